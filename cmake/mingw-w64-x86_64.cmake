@@ -1,0 +1,18 @@
+# Cross-compiles for 64-bit Windows with mingw-w64 (POSIX threads) and runs what it builds under Wine.
+set(CMAKE_SYSTEM_NAME Windows)
+set(CMAKE_SYSTEM_PROCESSOR x86_64)
+
+set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
+set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
+set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
+
+# Libraries for Windows only: mingw's, those that scripts/setup.sh installs into build/deps since no Debian package
+# offers them for mingw, and those in the prefixes that a project names.
+cmake_path(SET KELPKIT_DEPS NORMALIZE "${CMAKE_CURRENT_LIST_DIR}/../build/deps")
+set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32 "${KELPKIT_DEPS}" ${CMAKE_PREFIX_PATH})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+
+set(CMAKE_CROSSCOMPILING_EMULATOR "${CMAKE_CURRENT_LIST_DIR}/wine.sh" run)

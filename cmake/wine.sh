@@ -1,0 +1,87 @@
+#!/bin/sh
+# Wine as the tests use it.
+#
+#   wine.sh run PROGRAM [ARGUMENT ...]   runs a Windows program
+#   wine.sh start                        keeps the Wine server alive, so that each program starts at once
+#   wine.sh stop                         ends it, with every program that still runs under it
+#   wine.sh make                         makes the prefix anew
+#
+# KELPKIT_CODE_PAGE  ANSI code page: 936 (default) or 1252. Each has a prefix of its own in build/wine.
+# KELPKIT_RESULTS    folder that receives GoogleTest's XML report of the run (optional).
+set -eu
+
+root=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd)
+code_page=${KELPKIT_CODE_PAGE:-936}
+# Wine takes the ANSI code page from the locale.
+case $code_page in
+936) LC_ALL=zh_CN.UTF-8 ;;
+1252) LC_ALL=en_US.UTF-8 ;;
+*)
+    echo "wine.sh: no locale is known for code page $code_page" >&2
+    exit 2
+    ;;
+esac
+WINEPREFIX=$root/build/wine/$code_page
+WINEDEBUG=${WINEDEBUG:--all}
+# No browser and no .NET engine.
+WINEDLLOVERRIDES='mscoree,mshtml='
+export LC_ALL WINEPREFIX WINEDEBUG WINEDLLOVERRIDES
+
+# Debian's wine command looks for 32-bit support first and complains where there is none.
+wine=/usr/lib/wine/wine64
+[ -x "$wine" ] || wine=$(command -v wine64 || command -v wine)
+
+require_prefix() {
+    [ ! -e "$WINEPREFIX/ready" ] || return 0
+    echo "wine.sh: $WINEPREFIX is missing; run scripts/setup.sh" >&2
+    exit 2
+}
+
+make_prefix() {
+    rm -rf "$WINEPREFIX"
+    mkdir -p "$WINEPREFIX"
+    "$wine" wineboot --init
+    # A program that crashes ends, rather than wait for somebody at a debugger: there is none of this name.
+    "$wine" reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' /v Debugger /d none /f
+    "$wine" reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' /v Auto /d 1 /f
+    wineserver --wait
+    # Programs start on drive C:, inside the prefix: drive Z: is the root of the machine, and a test that deletes must
+    # not stand on it.
+    mkdir -p "$WINEPREFIX/drive_c/work"
+    touch "$WINEPREFIX/ready"
+}
+
+run() {
+    program=$1
+    shift
+    case $program in
+    */*) program=$(CDPATH='' cd -- "$(dirname -- "$program")" && pwd)/$(basename -- "$program") ;;
+    esac
+    if [ -n "${KELPKIT_RESULTS:-}" ]; then
+        GTEST_OUTPUT="xml:Z:$KELPKIT_RESULTS/$(basename -- "$program" .exe)-$code_page.xml"
+        export GTEST_OUTPUT
+    fi
+    cd "$WINEPREFIX/drive_c/work"
+    exec "$wine" "$program" "$@"
+}
+
+# Wine's own services outlive the program that starts them, so they must not hold its output open.
+start() {
+    exec </dev/null >/dev/null 2>&1
+    wineserver --persistent || true # it may run already
+    "$wine" cmd /c exit
+}
+
+command=$1
+shift
+[ "$command" = make ] || require_prefix
+case $command in
+run) run "$@" ;;
+start) start ;;
+stop) wineserver --kill || true ;;
+make) make_prefix ;;
+*)
+    echo "wine.sh: unknown command $command" >&2
+    exit 2
+    ;;
+esac

@@ -1,0 +1,161 @@
+#!/usr/bin/env bash
+# Makes a bare Debian 12 machine able to build, run and test Kelpkit: installs what is missing, builds the
+# libraries that Debian does not offer for mingw into build/deps, and makes the Wine prefixes in build/wine.
+# Safe to run again; what is there is left alone.
+set -euo pipefail
+
+root=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd)
+deps=$root/build/deps
+logs=$root/build/logs
+code_pages='936:zh_CN.UTF-8 1252:en_US.UTF-8'
+packages='binutils-mingw-w64-x86-64 cmake g++-mingw-w64-x86-64-posix googletest libboost-dev locales
+    ninja-build patch wine wine64 xauth xvfb'
+: "${KELPKIT_EXTRA_PACKAGES:=}"
+
+say() { printf 'setup: %s\n' "$*"; }
+
+# Runs a long step with its output in a log; shows the end of the log if the step fails.
+step() {
+    local name=$1
+    shift
+    if ! "$@" >"$logs/$name.log" 2>&1; then
+        tail -n 20 "$logs/$name.log" >&2
+        say "failed; the whole log is in $logs/$name.log" >&2
+        exit 1
+    fi
+}
+
+as_root() {
+    if [ "$(id -u)" -eq 0 ]; then
+        "$@"
+    elif command -v sudo >/dev/null 2>&1; then
+        sudo "$@"
+    else
+        say "this needs root, and there is no sudo: $*" >&2
+        exit 1
+    fi
+}
+
+require_debian_12() {
+    if [ -r /etc/os-release ] && (. /etc/os-release && [ "${ID:-}" = debian ] && [ "${VERSION_ID:-}" = 12 ]); then
+        return
+    fi
+    cat >&2 <<END
+setup: this script knows Debian 12 only. Elsewhere, Kelpkit needs:
+  - CMake 3.25, Ninja, mingw-w64 for x86_64 with GCC 12 and POSIX threads, patch
+  - Wine 8 (64-bit), Xvfb, and the locales zh_CN.UTF-8 and en_US.UTF-8
+  - the sources of GoogleTest and log4cplus 2.0, pugixml 1.13, and Boost's headers
+or, on Windows, Visual Studio 2022 with vcpkg: cmake --workflow --preset msvc-release
+END
+    exit 1
+}
+
+install_packages() {
+    local missing= package state
+    for package in $packages $KELPKIT_EXTRA_PACKAGES; do
+        state=$(dpkg-query -W -f '${Status}' "$package" 2>/dev/null || true)
+        [ "$state" = 'install ok installed' ] || missing="$missing $package"
+    done
+    [ -n "$missing" ] || return 0
+    say "installing Debian packages (a few minutes the first time):$missing"
+    step apt-update as_root apt-get update
+    # shellcheck disable=SC2086 # the list is meant to be split
+    step apt-install as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends $missing
+}
+
+generate_locales() {
+    local entry locale
+    for entry in $code_pages; do
+        locale=${entry#*:}
+        if locale -a 2>/dev/null | grep -qix "${locale%.UTF-8}\.utf-\?8"; then continue; fi
+        say "generating the locale $locale (Wine takes its code page from it)"
+        step "locale-$locale" as_root localedef -i "${locale%.UTF-8}" -f UTF-8 "$locale"
+    done
+}
+
+# Downloads Debian's source package of $1, with package lists of its own, so that the machine's apt configuration stays
+# as it is.
+download_source() {
+    local name=$1 apt=$deps/src/apt mirror
+    say "fetching the sources of $name"
+    mkdir -p "$apt/lists/partial" "$apt/cache/archives/partial"
+    mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Codename: bookworm' \
+        'Component: main' 2>/dev/null | head -n 1)
+    printf 'deb-src [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] %s bookworm main\n' \
+        "${mirror:-http://deb.debian.org/debian/}" >"$apt/sources.list"
+    set -- -o "Dir::Etc::sourcelist=$apt/sources.list" -o Dir::Etc::sourceparts=- \
+        -o "Dir::State::lists=$apt/lists" -o "Dir::Cache=$apt/cache" -o APT::Sandbox::User=root
+    step update-sources apt-get "$@" update
+    (cd "$apt" && step "source-$name" apt-get "$@" source --download-only "$name")
+}
+
+# Unpacks the original sources of $1 into build/deps/src/$1.
+unpack_source() {
+    local name=$1 apt=$deps/src/apt
+    if ! compgen -G "$apt/${name}_*.orig.tar.*z" >/dev/null; then download_source "$name"; fi
+    rm -rf "$deps/src/$name" "$deps/src/unpacked"
+    mkdir -p "$deps/src/unpacked"
+    (cd "$deps/src/unpacked" && cmake -E tar xf "$apt/$name"_*.orig.tar.*z)
+    mv "$deps/src/unpacked"/* "$deps/src/$name"
+    rmdir "$deps/src/unpacked"
+}
+
+# Builds the CMake project in $source for mingw and installs it into build/deps. The stamp holds the recipe, so that
+# a changed patch or option builds anew.
+build_dependency() {
+    local name=$1 source=$2
+    shift 2
+    say "building $name for mingw (half a minute)"
+    rm -rf "$deps/src/build-$name"
+    step "configure-$name" cmake -S "$source" -B "$deps/src/build-$name" -G Ninja \
+        "-DCMAKE_TOOLCHAIN_FILE=$root/cmake/mingw-w64-x86_64.cmake" -DCMAKE_BUILD_TYPE=Release \
+        "-DCMAKE_INSTALL_PREFIX=$deps" -DCMAKE_INSTALL_LIBDIR=lib "$@"
+    step "build-$name" cmake --build "$deps/src/build-$name"
+    step "install-$name" cmake --install "$deps/src/build-$name" --strip
+}
+
+build_log4cplus() {
+    local patch=$root/cmake/log4cplus-mingw.patch stamp=$deps/log4cplus.stamp recipe
+    # The thread pool stays off: with it, processes hang when they exit or unload the DLL.
+    set -- -DUNICODE=ON -DLOG4CPLUS_ENABLE_THREAD_POOL=OFF -DLOG4CPLUS_BUILD_TESTING=OFF -DWITH_UNIT_TESTS=OFF \
+        -DLOG4CPLUS_BUILD_LOGGINGSERVER=OFF
+    recipe="$(cksum <"$patch") $*"
+    if [ "$(cat "$stamp" 2>/dev/null || true)" = "$recipe" ]; then return; fi
+    unpack_source log4cplus
+    step patch-log4cplus patch -d "$deps/src/log4cplus" -p1 -i "$patch"
+    build_dependency log4cplus "$deps/src/log4cplus" "$@"
+    mkdir -p "$deps/share/licenses/log4cplus"
+    cp "$deps/src/log4cplus/LICENSE" "$deps/share/licenses/log4cplus/"
+    printf '%s' "$recipe" >"$stamp"
+}
+
+build_pugixml() {
+    local stamp=$deps/pugixml.stamp
+    if [ -e "$stamp" ]; then return; fi
+    unpack_source pugixml
+    build_dependency pugixml "$deps/src/pugixml"
+    touch "$stamp"
+}
+
+# mingw must never see the system's include folder itself, only Boost in it.
+link_boost() {
+    mkdir -p "$deps/include"
+    ln -sfn /usr/include/boost "$deps/include/boost"
+}
+
+make_wine_prefix() {
+    local code_page=$1
+    [ ! -e "$root/build/wine/$code_page/ready" ] || return 0
+    say "making the Wine prefix for code page $code_page"
+    step "wine-$code_page" env KELPKIT_CODE_PAGE="$code_page" "$root/cmake/wine.sh" make
+}
+
+require_debian_12
+mkdir -p "$logs" "$deps/src"
+install_packages
+generate_locales
+build_log4cplus
+build_pugixml
+link_boost
+for entry in $code_pages; do make_wine_prefix "${entry%%:*}"; done
+say "ready"
