@@ -1,0 +1,37 @@
+# The DLLs that Kelpkit.dll needs and Windows does not have. They are brought into the folder of the programs, and the
+# package ships them from there.
+
+set(KELPKIT_RUNTIME_DLLS)
+
+# kelpkit_bring_dll(FILE): a stripped copy; the loader reads the whole file, and debug information makes up most of it.
+function(kelpkit_bring_dll file)
+  cmake_path(GET file FILENAME name)
+  set(copy "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${name}")
+  add_custom_command(
+    OUTPUT "${copy}"
+    COMMAND "${CMAKE_COMMAND}" -E make_directory "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}"
+    COMMAND "${CMAKE_STRIP}" --strip-all -o "${copy}" "${file}"
+    DEPENDS "${file}"
+    COMMENT "Bringing ${name}"
+    VERBATIM
+  )
+  set(KELPKIT_RUNTIME_DLLS ${KELPKIT_RUNTIME_DLLS} "${copy}" PARENT_SCOPE)
+endfunction()
+
+if(MINGW)
+  foreach(name libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
+    execute_process(
+      COMMAND "${CMAKE_CXX_COMPILER}" "-print-file-name=${name}"
+      OUTPUT_VARIABLE file OUTPUT_STRIP_TRAILING_WHITESPACE
+    )
+    cmake_path(NORMAL_PATH file)
+    if(NOT EXISTS "${file}")
+      message(FATAL_ERROR "The compiler does not know its runtime ${name}")
+    endif()
+    kelpkit_bring_dll("${file}")
+  endforeach()
+  get_target_property(file ${KELPKIT_LOG4CPLUS} LOCATION)
+  kelpkit_bring_dll("${file}")
+endif()
+
+add_custom_target(KelpkitRuntime ALL DEPENDS ${KELPKIT_RUNTIME_DLLS})

@@ -1,0 +1,5 @@
+#pragma once
+
+/// All of Kelpkit's public headers.
+
+#include "Files.h"

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+namespace test
+{
+
+// Writes a file of these bytes, replacing it; throws std::runtime_error on failure.
+void WriteFileBytes(const std::wstring& path, const std::string& bytes);
+
+// All bytes of a file; throws std::runtime_error on failure.
+std::string ReadFileBytes(const std::wstring& path);
+
+} // namespace test
