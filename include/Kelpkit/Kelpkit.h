@@ -3,3 +3,4 @@
 /// All of Kelpkit's public headers.
 
 #include "Files.h"
+#include "Text.h"

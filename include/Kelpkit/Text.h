@@ -1,0 +1,116 @@
+#pragma once
+
+/// Text: conversion between UTF-16, UTF-8 and the ANSI code page; trimming, replacing and splitting.
+///
+/// "ANSI" is the active code page of the system (CP_ACP): 936 (GBK) on a Chinese one, 1252 on a Western one.
+/// Every function here may be called from any thread; none keeps state. None throws anything but std::bad_alloc
+/// and std::length_error, for results too large to hold.
+
+#include "Export.h"
+
+#include <string>
+#include <vector>
+
+namespace KELPKIT
+{
+
+// Conversions
+//
+// The result is what the platform's own conversion gives, byte for byte, for valid and for invalid text. A text
+// ends at its first zero character; what stands behind it is ignored. No failure is reported: a text that the
+// platform refuses gives an empty result.
+
+/// ANSI to UTF-16. A byte that the code page does not define comes out as the platform maps it.
+/// Under code page 936, the bytes D6 D0 give L"中".
+KELPKIT_API std::wstring AnsiToUnicode(const std::string& text);
+
+/// UTF-16 to ANSI. A character that the code page lacks comes out as the system's default character, as a rule
+/// "?", or as one that looks alike. Under code page 936, L"中" gives the bytes D6 D0; under 1252, "?".
+KELPKIT_API std::string UnicodeToAnsi(const std::wstring& text);
+
+/// UTF-8 (RFC 3629) to UTF-16. Invalid sequences give U+FFFD; a byte order mark stays as U+FEFF.
+KELPKIT_API std::wstring UTF8ToUnicode(const std::string& text);
+
+/// UTF-16 to UTF-8 (RFC 3629). A surrogate without its partner gives U+FFFD, the bytes EF BF BD.
+KELPKIT_API std::string UnicodeToUTF8(const std::wstring& text);
+
+// Conversions under other names
+//
+// The names do not always say what is done; what is done is the contract.
+
+/// Same as UTF8ToUnicode: the result is UTF-16.
+KELPKIT_API std::wstring ConvertUtf8ToGBK(const std::string& text);
+
+/// Same as UnicodeToUTF8: the argument is UTF-16.
+KELPKIT_API std::string ConvertGBKToUtf8(const std::wstring& text);
+
+/// Same as UnicodeToAnsi.
+KELPKIT_API std::string ConvertTStringToString(const std::wstring& text);
+
+/// Same as UnicodeToUTF8: the result is UTF-8, not ANSI. L"中" gives the bytes E4 B8 AD on every system.
+KELPKIT_API std::string ConvertGBKToAnsi(const std::wstring& text);
+
+/// Returns a copy of the argument, embedded zeros and all.
+KELPKIT_API std::wstring ConvertGBKToUnicode(const std::wstring& text);
+
+/// The same function as ConvertGBKToUnicode, exported under a second name.
+KELPKIT_API std::wstring ConvertUnicodeToGBK(const std::wstring& text);
+
+/// Same as AnsiToUnicode: the result is UTF-16.
+KELPKIT_API std::wstring ConvertAnsiToGBK(const std::string& text);
+
+// Trimming
+//
+// Only the one character that the caller names is removed, not white space in general. Each function changes
+// its argument and returns it.
+
+/// Removes every leading c. "xxabcxx" with 'x' becomes "abcxx"; "xxxx" becomes empty.
+KELPKIT_API std::wstring& StringLtrim(std::wstring& text, wchar_t c);
+
+/// Removes every trailing c. "xxabcxx" with 'x' becomes "xxabc"; "xxxx" becomes empty.
+KELPKIT_API std::wstring& StringRtrim(std::wstring& text, wchar_t c);
+
+/// Removes every leading and trailing c. "xxabcxx" with 'x' becomes "abc"; "  abc" with 'x' stays.
+KELPKIT_API std::wstring& StringTrim(std::wstring& text, wchar_t c);
+
+// Replacing and splitting
+
+/// Replaces every occurrence of pattern in text, from left to right; what a replacement brought in is not searched
+/// again. "aaa" with "a" for "aa" becomes "aaaaaa"; with "aa" for "b" it becomes "ba". An empty pattern changes
+/// nothing. pattern and replacement may be text itself: their values at the call count. Takes time in proportion
+/// to the text, however many hits.
+KELPKIT_API void StringReplace(std::string& text, const std::string& pattern, const std::string& replacement);
+KELPKIT_API void StringReplace(std::wstring& text, const std::wstring& pattern, const std::wstring& replacement);
+
+/// Splits source at every character of the set delimiters and stores the pieces in pieces, replacing what it held.
+/// No piece is empty: delimiters in a row, leading and trailing ones separate nothing. ",a,,b;c," with ",;" gives
+/// "a", "b", "c". Without delimiters, the whole source is one piece. Both texts end at their first zero character.
+KELPKIT_API void StringMulitSplit(const std::wstring& source, const std::wstring& delimiters,
+                                  std::vector<std::wstring>& pieces);
+
+/// Splits source at the first occurrence of separator: "key=val=x" at "=" gives "key" and "val=x". An empty separator
+/// is found at the start. Returns false, and leaves left and right as they were, if separator does not occur. left and
+/// right may be source itself.
+KELPKIT_API bool StringSplitLeftRight(const std::string& source, const std::string& separator, std::string& left,
+                                      std::string& right);
+KELPKIT_API bool StringSplitLeftRight(const std::wstring& source, const std::wstring& separator, std::wstring& left,
+                                      std::wstring& right);
+
+/// Cuts source into pieces of at most width units and appends them to pieces, which is not cleared. A double-byte
+/// character of the ANSI code page is one unit, two single-byte characters are one: "abcde" at width 1 gives "ab",
+/// "cd", "e". A rest that is exactly "\n\r" is dropped. At width 0 or less, every character is a piece.
+/// The text passes through the ANSI code page, and what that lacks is lost; every byte of 0x80 or more is taken for
+/// the first of a pair, which fits double-byte code pages such as 936.
+KELPKIT_API void StringSplitBySize(const std::wstring& source, int width, std::vector<std::wstring>& pieces);
+
+/// Holds nothing and does nothing; part of the interface for those who declare one.
+class CSortAssist
+{
+public:
+    KELPKIT_API CSortAssist();
+    CSortAssist(const CSortAssist& other) = default;
+    KELPKIT_API CSortAssist& operator=(const CSortAssist& other);
+    KELPKIT_API ~CSortAssist();
+};
+
+} // namespace KELPKIT

@@ -1,0 +1,433 @@
+#include "support/CodePage.h"
+#include "support/ImportPatch.h"
+
+#include <Kelpkit/Text.h>
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <cstdlib>
+#include <random>
+#include <string>
+#include <thread>
+#include <vector>
+
+using namespace KELPKIT;
+using test::UnderCodePage1252;
+using test::UnderCodePage936;
+
+namespace
+{
+
+// The conversions as two bare system calls each, with a buffer of zeros between: the results that are wanted.
+std::wstring SystemWide(UINT codePage, const std::string& text)
+{
+    const int count = ::MultiByteToWideChar(codePage, 0, text.c_str(), -1, nullptr, 0);
+    if (count <= 0)
+        return L"";
+    std::vector<wchar_t> buffer(static_cast<std::size_t>(count) + 1);
+    ::MultiByteToWideChar(codePage, 0, text.c_str(), -1, buffer.data(), count);
+    return buffer.data();
+}
+
+std::string SystemNarrow(UINT codePage, const std::wstring& text)
+{
+    const int count = ::WideCharToMultiByte(codePage, 0, text.c_str(), -1, nullptr, 0, nullptr, nullptr);
+    if (count <= 0)
+        return "";
+    std::vector<char> buffer(static_cast<std::size_t>(count) + 1);
+    ::WideCharToMultiByte(codePage, 0, text.c_str(), -1, buffer.data(), count, nullptr, nullptr);
+    return buffer.data();
+}
+
+void ExpectSystemResults(const std::string& text)
+{
+    ASSERT_EQ(AnsiToUnicode(text), SystemWide(CP_ACP, text)) << testing::PrintToString(text);
+    ASSERT_EQ(UTF8ToUnicode(text), SystemWide(CP_UTF8, text)) << testing::PrintToString(text);
+}
+
+void ExpectSystemResults(const std::wstring& text)
+{
+    ASSERT_EQ(UnicodeToAnsi(text), SystemNarrow(CP_ACP, text)) << testing::PrintToString(text);
+    ASSERT_EQ(UnicodeToUTF8(text), SystemNarrow(CP_UTF8, text)) << testing::PrintToString(text);
+}
+
+class Random
+{
+public:
+    explicit Random(unsigned seed) : m_engine(seed) {}
+
+    unsigned Below(unsigned limit) { return std::uniform_int_distribution<unsigned>(0, limit - 1)(m_engine); }
+
+    // Mostly short, at times as long as the buffers behind the conversions, at times longer.
+    unsigned Length()
+    {
+        const unsigned limits[] = {8, 40, 300, 1100, 4000};
+        return Below(limits[Below(5)]);
+    }
+
+    char32_t CodePoint()
+    {
+        switch (Below(6)) {
+        case 0:
+            return 0x80 + Below(0x780);
+        case 1:
+            return 0x10000 + Below(0x100000);
+        case 2:
+            return 0xE000 + Below(0x2000);
+        default:
+            return 0x4E00 + Below(0x5000);
+        }
+    }
+
+    // Text whose share of ASCII runs is as given, in percent.
+    std::wstring WellFormed(unsigned asciiShare)
+    {
+        std::wstring text;
+        for (unsigned length = Length(); text.size() < length;) {
+            if (Below(100) < asciiShare) {
+                for (unsigned run = Below(40); run > 0; --run)
+                    text += static_cast<wchar_t>(1 + Below(0x7F));
+                continue;
+            }
+            const char32_t code = CodePoint();
+            if (code >= 0x10000) {
+                text += static_cast<wchar_t>(0xD7C0 + (code >> 10));
+                text += static_cast<wchar_t>(0xDC00 + (code & 0x3FF));
+            } else {
+                text += static_cast<wchar_t>(code);
+            }
+        }
+        return text;
+    }
+
+private:
+    std::mt19937 m_engine;
+};
+
+} // namespace
+
+TEST(Encoding, EmptyTextGivesEmptyResult)
+{
+    EXPECT_EQ(AnsiToUnicode(""), L"");
+    EXPECT_EQ(UnicodeToAnsi(L""), "");
+    EXPECT_EQ(UTF8ToUnicode(""), L"");
+    EXPECT_EQ(UnicodeToUTF8(L""), "");
+}
+
+TEST(Encoding, TextEndsAtItsFirstZeroCharacter)
+{
+    EXPECT_EQ(AnsiToUnicode(std::string("ab\0cd", 5)), L"ab");
+    EXPECT_EQ(UnicodeToAnsi(std::wstring(L"ab\0cd", 5)), "ab");
+    EXPECT_EQ(UTF8ToUnicode(std::string("\xE4\xB8\xAD\0cd", 6)), L"中");
+    EXPECT_EQ(UnicodeToUTF8(std::wstring(L"中\0文", 3)), "\xE4\xB8\xAD");
+    EXPECT_EQ(UTF8ToUnicode(std::string("\0cd", 3)), L"");
+    EXPECT_EQ(AnsiToUnicode(std::string("\0\xD6\xD0", 3)), L"");
+}
+
+TEST(Encoding, ZeroBehindAnyLengthEndsTheText)
+{
+    for (std::size_t length = 0; length < 70; ++length) {
+        const std::string narrow = std::string(length, 'x') + '\0' + "\xE4\xB8\xAD";
+        const std::wstring wide = std::wstring(length, L'x') + L'\0' + L"中";
+        EXPECT_EQ(AnsiToUnicode(narrow), std::wstring(length, L'x'));
+        EXPECT_EQ(UTF8ToUnicode(narrow), std::wstring(length, L'x'));
+        EXPECT_EQ(UnicodeToAnsi(wide), std::string(length, 'x'));
+        EXPECT_EQ(UnicodeToUTF8(wide), std::string(length, 'x'));
+    }
+}
+
+TEST(Encoding, EveryCodePointMakesTheRoundTripThroughUtf8)
+{
+    for (char32_t code = 1; code < 0x110000; ++code) {
+        if (code >= 0xD800 && code < 0xE000)
+            continue;
+        std::wstring text;
+        if (code >= 0x10000)
+            text = {static_cast<wchar_t>(0xD7C0 + (code >> 10)), static_cast<wchar_t>(0xDC00 + (code & 0x3FF))};
+        else
+            text = {static_cast<wchar_t>(code)};
+        const std::string utf8 = UnicodeToUTF8(text);
+        ASSERT_EQ(utf8, SystemNarrow(CP_UTF8, text)) << code;
+        ASSERT_EQ(UTF8ToUnicode(utf8), text) << code;
+    }
+}
+
+TEST(Encoding, EveryUtf16UnitGoesToTheCodePageAsTheSystemConvertsIt)
+{
+    for (unsigned unit = 1; unit < 0x10000; ++unit)
+        ExpectSystemResults(std::wstring(1, static_cast<wchar_t>(unit)));
+}
+
+TEST(Encoding, EveryPairOfBytesIsConvertedAsTheSystemConvertsIt)
+{
+    for (int first = 0; first < 256; ++first) {
+        for (int second = 0; second < 256; ++second) {
+            const char pair[] = {static_cast<char>(first), static_cast<char>(second)};
+            ExpectSystemResults(std::string(pair, 2));
+            ExpectSystemResults("x" + std::string(pair, 2) + "yz");
+        }
+    }
+}
+
+TEST(Encoding, ByteOrderMarkStays)
+{
+    EXPECT_EQ(UTF8ToUnicode("\xEF\xBB\xBFx"), L"\xFEFFx");
+    EXPECT_EQ(UnicodeToUTF8(L"\xFEFFx"), "\xEF\xBB\xBFx");
+}
+
+TEST(Encoding, InvalidUtf8GivesReplacementCharacters)
+{
+    const char* const texts[] = {
+        "\x80",                     // a trail byte alone
+        "\xBF\xBF",                 //
+        "\xC0\x80",                 // overlong forms
+        "\xC1\xBF",                 //
+        "\xE0\x9F\xBF",             //
+        "\xF0\x8F\xBF\xBF",         //
+        "\xED\xA0\x80",             // a surrogate
+        "\xED\xA0\x80\xED\xB0\x80", // a pair of them
+        "\xF4\x90\x80\x80",         // above U+10FFFF
+        "\xF8\x88\x80\x80\x80",     // five bytes
+        "\xFE",                     //
+        "\xFF\xFF",                 //
+        "\xC3",                     // cut short
+        "\xE4\xB8",                 //
+        "\xF0\x9F\x98",             //
+        "\xE4\xB8x",                //
+        "\xE4\xE4\xB8\xAD",         //
+    };
+    for (const char* const text : texts) {
+        EXPECT_NE(UTF8ToUnicode(text).find(L'\xFFFD'), std::wstring::npos) << testing::PrintToString(text);
+        // At every place of a text that spans several blocks.
+        for (std::size_t before = 0; before < 40; ++before) {
+            ExpectSystemResults(std::string(before, 'a') + text);
+            ExpectSystemResults(std::string(before, 'a') + text + "\xE4\xB8\xAD and more that is plain");
+        }
+    }
+}
+
+TEST(Encoding, LoneSurrogatesGiveReplacementCharacters)
+{
+    EXPECT_EQ(UnicodeToUTF8(L"\xD83D"), "\xEF\xBF\xBD");
+    EXPECT_EQ(UnicodeToUTF8(L"a\xDE00z"), "a\xEF\xBF\xBDz");
+    for (std::size_t before = 0; before < 40; ++before) {
+        const std::wstring start(before, L'a');
+        ExpectSystemResults(start + L"\xD83D");
+        ExpectSystemResults(start + L"\xDE00");
+        ExpectSystemResults(start + L"\xDE00\xD83D tail");
+        ExpectSystemResults(start + L"\xD83D\xD83D\xDE00 tail");
+        ExpectSystemResults(start + L"\xD83D\xDE00\xDE00 tail");
+    }
+}
+
+TEST(Encoding, BytePairCutAtTheEndIsConvertedAsTheSystemConvertsIt)
+{
+    for (std::size_t before = 0; before < 40; ++before) {
+        ExpectSystemResults(std::string(before, 'a') + "\xD6");
+        ExpectSystemResults(std::string(before, 'a') + "\xD6\xD0\xD6");
+    }
+}
+
+TEST(Encoding, OneForeignCharacterAtEveryPlaceOfEveryLengthUpToABlockAndMore)
+{
+    for (std::size_t length = 1; length <= 50; ++length) {
+        for (std::size_t place = 0; place < length; ++place) {
+            std::wstring text(length, L'k');
+            for (const wchar_t foreign : {L'\x80', L'é', L'中', L'\x8000', L'\xFF41', L'\xFFFF'}) {
+                text[place] = foreign;
+                ExpectSystemResults(text);
+                ExpectSystemResults(UnicodeToUTF8(text));
+                ExpectSystemResults(UnicodeToAnsi(text));
+            }
+        }
+    }
+}
+
+TEST(Encoding, LengthsAroundTheInnerBufferAreConvertedWhole)
+{
+    for (std::size_t length = 1000; length < 1050; ++length) {
+        for (const wchar_t c : {L'a', L'é', L'中'}) {
+            const std::wstring text(length, c);
+            ExpectSystemResults(text);
+            ExpectSystemResults(UnicodeToUTF8(text));
+            ExpectSystemResults(UnicodeToAnsi(text));
+        }
+        std::wstring pairs;
+        while (pairs.size() < length)
+            pairs += L"\xD83D\xDE00";
+        ExpectSystemResults(pairs);
+        ExpectSystemResults(L'a' + pairs);
+        ExpectSystemResults(UnicodeToUTF8(L"a" + pairs));
+    }
+}
+
+TEST(Encoding, WellFormedRandomTextsAreConvertedAsTheSystemConvertsThem)
+{
+    Random random(1);
+    for (int round = 0; round < 12000; ++round) {
+        const std::wstring text = random.WellFormed(random.Below(101));
+        ExpectSystemResults(text);
+        const std::string utf8 = UnicodeToUTF8(text);
+        ExpectSystemResults(utf8);
+        ASSERT_EQ(UTF8ToUnicode(utf8), text);
+        ExpectSystemResults(UnicodeToAnsi(text));
+    }
+}
+
+TEST(Encoding, DamagedRandomTextsAreConvertedAsTheSystemConvertsThem)
+{
+    Random random(2);
+    for (int round = 0; round < 12000; ++round) {
+        std::wstring wide = random.WellFormed(random.Below(101));
+        std::string utf8 = UnicodeToUTF8(wide);
+        for (unsigned damages = 1 + random.Below(3); damages > 0 && !wide.empty(); --damages) {
+            wide[random.Below(static_cast<unsigned>(wide.size()))] =
+                static_cast<wchar_t>(random.Below(4) == 0 ? random.Below(0x10000) : 0xD800 + random.Below(0x800));
+            utf8[random.Below(static_cast<unsigned>(utf8.size()))] = static_cast<char>(random.Below(256));
+        }
+        ExpectSystemResults(wide);
+        ExpectSystemResults(utf8);
+    }
+}
+
+TEST(Encoding, RandomUnitsAreConvertedAsTheSystemConvertsThem)
+{
+    Random random(3);
+    for (int round = 0; round < 6000; ++round) {
+        std::string bytes(random.Length(), '\0');
+        for (char& c : bytes)
+            c = static_cast<char>(random.Below(256));
+        ExpectSystemResults(bytes);
+        std::wstring units(random.Length(), L'\0');
+        for (wchar_t& unit : units)
+            unit = static_cast<wchar_t>(random.Below(0x10000));
+        ExpectSystemResults(units);
+    }
+}
+
+TEST(Encoding, LongTextsAreConvertedWhole)
+{
+    std::wstring text;
+    while (text.size() < 4 << 20)
+        text += L"模型 gear-17, 零件 é\xD83D\xDE00; ";
+    const std::string utf8 = UnicodeToUTF8(text);
+    EXPECT_TRUE(utf8 == SystemNarrow(CP_UTF8, text));
+    EXPECT_TRUE(UTF8ToUnicode(utf8) == text);
+    const std::string ansi = UnicodeToAnsi(text);
+    EXPECT_TRUE(ansi == SystemNarrow(CP_ACP, text));
+    EXPECT_TRUE(AnsiToUnicode(ansi) == SystemWide(CP_ACP, ansi));
+}
+
+TEST(Encoding, ManyThreadsConvertAtOnce)
+{
+    std::vector<std::thread> threads;
+    std::vector<int> wrong(8);
+    for (std::size_t i = 0; i < wrong.size(); ++i) {
+        threads.emplace_back([i, &wrong] {
+            Random random(static_cast<unsigned>(10 + i));
+            for (int round = 0; round < 300; ++round) {
+                const std::wstring text = random.WellFormed(50);
+                if (UTF8ToUnicode(UnicodeToUTF8(text)) != text || UnicodeToAnsi(text) != SystemNarrow(CP_ACP, text))
+                    ++wrong[i];
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(wrong, std::vector<int>(8));
+}
+
+TEST_F(UnderCodePage936, ChineseCharacterMakesTheRoundTripThroughAnsi)
+{
+    EXPECT_EQ(UnicodeToAnsi(L"中"), "\xD6\xD0");
+    EXPECT_EQ(AnsiToUnicode("\xD6\xD0"), L"中");
+}
+
+TEST_F(UnderCodePage1252, WhatTheCodePageLacksBecomesTheDefaultCharacter)
+{
+    EXPECT_EQ(UnicodeToAnsi(L"a中b"), "a?b");
+    EXPECT_EQ(AnsiToUnicode("\xD6\xD0\x80"), L"\x00D6\x00D0\x20AC");
+}
+
+TEST(EncodingAlias, ConvertUtf8ToGBKGivesUtf16)
+{
+    EXPECT_EQ(ConvertUtf8ToGBK("\xE4\xB8\xAD"), L"中");
+}
+
+TEST(EncodingAlias, ConvertGBKToUtf8TakesUtf16)
+{
+    EXPECT_EQ(ConvertGBKToUtf8(L"中"), "\xE4\xB8\xAD");
+}
+
+TEST(EncodingAlias, ConvertTStringToStringGivesAnsi)
+{
+    for (const wchar_t* const text : {L"", L"abc", L"中文", L"é"})
+        EXPECT_EQ(ConvertTStringToString(text), SystemNarrow(CP_ACP, text));
+}
+
+TEST(EncodingAlias, ConvertGBKToAnsiGivesUtf8AndNeverAnsi)
+{
+    EXPECT_EQ(ConvertGBKToAnsi(L"中"), "\xE4\xB8\xAD");
+    EXPECT_EQ(ConvertGBKToAnsi(L"中"), UnicodeToUTF8(L"中"));
+}
+
+TEST(EncodingAlias, ConvertGBKToUnicodeAndConvertUnicodeToGBKReturnTheirArgument)
+{
+    for (const std::wstring& text : {std::wstring(), std::wstring(L"中文 abc"), std::wstring(L"a\0b\0", 4),
+                                     std::wstring(L"\xD83D"), std::wstring(L"\xDE00\xFFFF")}) {
+        EXPECT_EQ(ConvertGBKToUnicode(text), text);
+        EXPECT_EQ(ConvertUnicodeToGBK(text), text);
+    }
+}
+
+TEST(EncodingAlias, ConvertUnicodeToGBKIsTheSameFunctionAsConvertGBKToUnicode)
+{
+    EXPECT_EQ(&ConvertUnicodeToGBK, &ConvertGBKToUnicode);
+}
+
+TEST(EncodingAlias, ConvertAnsiToGBKGivesUtf16)
+{
+    for (const char* const text : {"", "abc", "\xD6\xD0"})
+        EXPECT_EQ(ConvertAnsiToGBK(text), SystemWide(CP_ACP, text));
+}
+
+#if defined(__MINGW32__)
+namespace
+{
+
+// All of C++'s memory comes through the C++ runtime's import of malloc.
+int g_allocations = 0;
+void* CountedMalloc(std::size_t size)
+{
+    ++g_allocations;
+    return std::malloc(size);
+}
+
+} // namespace
+
+TEST(Encoding, ShortTextsTakeAtMostOneAllocationBesideTheResult)
+{
+    const test::ImportPatch patch(L"libstdc++-6.dll", "malloc", &CountedMalloc);
+    for (std::size_t length = 0; length < 256; ++length) {
+        for (const wchar_t c : {L'a', L'é', L'中', L'\xD83D'}) {
+            const std::wstring wide(length, c);
+            const std::string utf8 = UnicodeToUTF8(wide);
+            const std::string ansi = UnicodeToAnsi(wide);
+            g_allocations = 0;
+            (void)UnicodeToUTF8(wide);
+            EXPECT_LE(g_allocations, 2);
+            g_allocations = 0;
+            (void)UnicodeToAnsi(wide);
+            EXPECT_LE(g_allocations, 2);
+            g_allocations = 0;
+            (void)UTF8ToUnicode(utf8.substr(0, 255));
+            EXPECT_LE(g_allocations, 3); // one is the copy made here
+            g_allocations = 0;
+            (void)AnsiToUnicode(ansi.substr(0, 255));
+            EXPECT_LE(g_allocations, 3);
+        }
+    }
+}
+#endif
