@@ -3,4 +3,5 @@
 /// All of Kelpkit's public headers.
 
 #include "Files.h"
+#include "Log.h"
 #include "Text.h"
