@@ -4,4 +4,6 @@
 
 #include "Files.h"
 #include "Log.h"
+#include "Mfc.h"
+#include "SystemInfo.h"
 #include "Text.h"
