@@ -5,5 +5,6 @@
 #include "Files.h"
 #include "Log.h"
 #include "Mfc.h"
+#include "ModelUpgrade.h"
 #include "SystemInfo.h"
 #include "Text.h"
