@@ -1,0 +1,135 @@
+// Kelpkit.dll as a file that is loaded and unloaded. This program calls nothing of it, so it is not loaded from the start.
+
+#include "support/FileContents.h"
+#include "support/LastError.h"
+#include "support/Process.h"
+#include "support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+std::wstring Dll()
+{
+    return test::BesideThisProgram(L"Kelpkit.dll");
+}
+
+// Reads a value of the version resource.
+template <class Value>
+const Value* VersionValue(std::vector<std::byte>& resource, const wchar_t* name)
+{
+    void* value = nullptr;
+    UINT size = 0;
+    EXPECT_TRUE(::VerQueryValueW(resource.data(), name, &value, &size)) << test::LastErrorText();
+    return static_cast<const Value*>(value);
+}
+
+class ExitFromThread : public testing::TestWithParam<const wchar_t*>
+{
+};
+
+} // namespace
+
+TEST(Library, LoadsAndUnloads100TimesInOneProcess)
+{
+    for (int round = 0; round < 100; ++round) {
+        const HMODULE module = ::LoadLibraryW(Dll().c_str());
+        ASSERT_NE(module, nullptr) << test::LastErrorText();
+        ASSERT_TRUE(::FreeLibrary(module)) << test::LastErrorText();
+        ASSERT_EQ(::GetModuleHandleW(L"Kelpkit.dll"), nullptr);
+    }
+}
+
+TEST(Library, LeavesNothingBehindThatRunsAfterItWasUnloaded)
+{
+    const HMODULE module = ::LoadLibraryW(Dll().c_str());
+    ASSERT_NE(module, nullptr) << test::LastErrorText();
+    ASSERT_TRUE(::FreeLibrary(module)) << test::LastErrorText();
+    // Calls queued for this thread run now.
+    EXPECT_EQ(::SleepEx(10, TRUE), 0U);
+}
+
+#if defined(__GNUC__)
+TEST(Library, LogsBetweenLoadingAndUnloading)
+{
+    const test::TempFolder folder;
+    const std::wstring propertyFile = folder / L"log4cplus.properties";
+    const std::wstring logFile = folder / L"run.log";
+    test::WriteFileBytes(propertyFile, "log4cplus.rootLogger=TRACE, fileAppender\n"
+                                       "log4cplus.appender.fileAppender=log4cplus::FileAppender\n"
+                                       "log4cplus.appender.fileAppender.Append=true\n"
+                                       "log4cplus.appender.fileAppender.layout=log4cplus::PatternLayout\n"
+                                       "log4cplus.appender.fileAppender.layout.ConversionPattern=%m;\n");
+    std::string expected;
+    for (int round = 0; round < 20; ++round) {
+        const HMODULE module = ::LoadLibraryW(Dll().c_str());
+        ASSERT_NE(module, nullptr) << test::LastErrorText();
+        const auto find = [&](const char* name) { return reinterpret_cast<void*>(::GetProcAddress(module, name)); };
+        const auto setProperties = reinterpret_cast<void (*)(const std::wstring&)>(
+            find("_ZN7KELPKIT7CLogMsg13SetPropertiesERKNSt7__cxx1112basic_stringIwSt11char_traitsIwESaIwEEE"));
+        const auto setLogPath = reinterpret_cast<void (*)(const std::wstring&)>(
+            find("_ZN7KELPKIT7CLogMsg10SetLogPathERKNSt7__cxx1112basic_stringIwSt11char_traitsIwESaIwEEE"));
+        const auto logMsg =
+            reinterpret_cast<void (*)(int, const wchar_t*)>(find("_ZN7KELPKIT7CLogMsg6LogMsgENS_5loglvEPKw"));
+        ASSERT_TRUE(setProperties && setLogPath && logMsg);
+        setProperties(propertyFile);
+        setLogPath(logFile);
+        logMsg(4, L"text");
+        expected += "text;";
+        ASSERT_TRUE(::FreeLibrary(module)) << test::LastErrorText();
+    }
+    EXPECT_EQ(test::ReadFileBytes(logFile), expected);
+}
+#endif
+
+TEST(Library, SaysWhatItIsInItsVersionResource)
+{
+    DWORD ignored = 0;
+    std::vector<std::byte> resource(::GetFileVersionInfoSizeW(Dll().c_str(), &ignored));
+    ASSERT_FALSE(resource.empty()) << test::LastErrorText();
+    ASSERT_TRUE(::GetFileVersionInfoW(Dll().c_str(), 0, static_cast<DWORD>(resource.size()), resource.data()))
+        << test::LastErrorText();
+
+    const auto* const fixed = VersionValue<VS_FIXEDFILEINFO>(resource, L"\\");
+    EXPECT_EQ(fixed->dwFileType, static_cast<DWORD>(VFT_DLL));
+    EXPECT_EQ(fixed->dwFileVersionMS, static_cast<DWORD>(KELPKIT_VERSION_MAJOR << 16 | KELPKIT_VERSION_MINOR));
+    EXPECT_EQ(fixed->dwFileVersionLS, static_cast<DWORD>(KELPKIT_VERSION_PATCH << 16));
+
+    const auto* const translation = VersionValue<WORD>(resource, L"\\VarFileInfo\\Translation");
+    EXPECT_EQ(translation[0], 0x0409);
+    EXPECT_EQ(translation[1], 0x04B0);
+    EXPECT_STREQ(VersionValue<wchar_t>(resource, L"\\StringFileInfo\\040904B0\\ProductName"), L"Kelpkit");
+    EXPECT_STREQ(VersionValue<wchar_t>(resource, L"\\StringFileInfo\\040904B0\\ProductVersion"), KELPKIT_VERSION_TEXT);
+}
+
+TEST(Library, MayBePlacedAnywhereAndExecutesNoData)
+{
+    const HMODULE module = ::LoadLibraryW(Dll().c_str());
+    ASSERT_NE(module, nullptr) << test::LastErrorText();
+    const auto* const base = reinterpret_cast<const std::byte*>(module);
+    const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
+    const auto* const nt = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
+    constexpr WORD kWanted = IMAGE_DLLCHARACTERISTICS_HIGH_ENTROPY_VA | IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE |
+                             IMAGE_DLLCHARACTERISTICS_NX_COMPAT;
+    EXPECT_EQ(nt->OptionalHeader.DllCharacteristics & kWanted, kWanted);
+    ::FreeLibrary(module);
+}
+
+TEST_P(ExitFromThread, EndsTheProcess)
+{
+    const test::TempFolder folder(L"退出 x");
+    EXPECT_EQ(test::Run(L"\"" + test::BesideThisProgram(L"ExitFromThread.exe") + L"\" \"" + (folder / L"run.log") +
+                        L"\" " + GetParam()),
+              7U);
+    const std::string log = test::ReadFileBytes(folder / L"run.log");
+    EXPECT_GE(log.size(), 4U * 200U * 10U) << "what was logged before is there";
+}
+
+INSTANTIATE_TEST_SUITE_P(Library, ExitFromThread, testing::Values(L"exit", L"process", L"main"));

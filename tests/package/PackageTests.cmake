@@ -1,0 +1,66 @@
+# Tests of what `cmake --install` lays down, from outside: by projects that know nothing but the installed prefix.
+
+set(stage "${CMAKE_CURRENT_BINARY_DIR}/package/stage")
+set(work "${CMAKE_CURRENT_BINARY_DIR}/package")
+file(MAKE_DIRECTORY "${work}")
+
+add_test(NAME package.install
+  COMMAND "${CMAKE_COMMAND}" --install "${PROJECT_BINARY_DIR}" --config $<CONFIG> --prefix "${stage}"
+)
+set_tests_properties(package.install PROPERTIES FIXTURES_SETUP package)
+
+# A customer's own settings for the toolchain, not this project's.
+set(customer_options "-DCMAKE_PREFIX_PATH=${stage}" -DCMAKE_BUILD_TYPE=$<CONFIG> "-DCMAKE_CXX_COMPILER=${CMAKE_CXX_COMPILER}")
+if(CMAKE_CROSSCOMPILING)
+  list(APPEND customer_options -DCMAKE_SYSTEM_NAME=Windows "-DCMAKE_RC_COMPILER=${CMAKE_RC_COMPILER}")
+endif()
+
+# kelpkit_add_customer(NAME): builds the project in package/NAME against the installed package.
+function(kelpkit_add_customer name)
+  add_test(NAME package.${name}
+    COMMAND "${CMAKE_CTEST_COMMAND}" --build-and-test "${CMAKE_CURRENT_SOURCE_DIR}/package/${name}" "${work}/${name}"
+      --build-generator "${CMAKE_GENERATOR}" --build-noclean
+      --build-options ${customer_options}
+  )
+  set_tests_properties(package.${name} PROPERTIES FIXTURES_REQUIRED package FIXTURES_SETUP package.${name})
+endfunction()
+
+kelpkit_add_customer(consumer)
+kelpkit_add_customer(headers)
+
+if(CMAKE_CROSSCOMPILING)
+  foreach(code_page IN LISTS KELPKIT_CODE_PAGES)
+    add_test(NAME package.consumer.${code_page}
+      COMMAND ${CMAKE_CROSSCOMPILING_EMULATOR} "${work}/consumer/consumer.exe"
+    )
+    set_tests_properties(package.consumer.${code_page} PROPERTIES
+      ENVIRONMENT KELPKIT_CODE_PAGE=${code_page}
+      FIXTURES_REQUIRED "wine.${code_page};package.consumer"
+    )
+  endforeach()
+else()
+  add_test(NAME package.consumer.run COMMAND "${work}/consumer/consumer.exe")
+  set_tests_properties(package.consumer.run PROPERTIES FIXTURES_REQUIRED package.consumer)
+endif()
+
+if(MINGW)
+  cmake_path(GET CMAKE_OBJDUMP PARENT_PATH binutils)
+  find_program(KELPKIT_CXXFILT NAMES x86_64-w64-mingw32-c++filt c++filt HINTS "${binutils}" REQUIRED)
+  set(check_exports "${CMAKE_COMMAND}" "-DDLL=$<TARGET_FILE:Kelpkit>"
+    "-DLIST=${CMAKE_CURRENT_SOURCE_DIR}/package/exports.txt" "-DWORK=${work}"
+    "-DOBJDUMP=${CMAKE_OBJDUMP}" "-DCXXFILT=${KELPKIT_CXXFILT}"
+  )
+  add_test(NAME package.exports
+    COMMAND ${check_exports} -P "${CMAKE_CURRENT_SOURCE_DIR}/package/CheckExports.cmake"
+  )
+  # Writes the list anew where the interface changes on purpose.
+  add_custom_target(update-exports
+    COMMAND ${check_exports} -DUPDATE=ON -P "${CMAKE_CURRENT_SOURCE_DIR}/package/CheckExports.cmake"
+    VERBATIM
+  )
+  add_test(NAME package.imports
+    COMMAND "${CMAKE_COMMAND}" "-DBIN=${stage}/bin" "-DOBJDUMP=${CMAKE_OBJDUMP}"
+      -P "${CMAKE_CURRENT_SOURCE_DIR}/package/CheckImports.cmake"
+  )
+  set_tests_properties(package.imports PROPERTIES FIXTURES_REQUIRED package)
+endif()

@@ -1,0 +1,68 @@
+// Uses each family of the installed package, and log4cplus with an appender of its own. Exit code 0 if all is well.
+
+#include <Kelpkit/Kelpkit.h>
+
+#include <log4cplus/appender.h>
+#include <log4cplus/logger.h>
+#include <log4cplus/spi/loggingevent.h>
+
+#include <iostream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+class CountingAppender : public log4cplus::Appender
+{
+public:
+    ~CountingAppender() override { destructorImpl(); }
+    void close() override {}
+
+    int count = 0;
+
+protected:
+    void append(const log4cplus::spi::InternalLoggingEvent&) override { ++count; }
+};
+
+int g_failures = 0;
+
+void Check(bool passed, const char* what)
+{
+    std::cout << (passed ? "ok      " : "FAILED  ") << what << '\n';
+    g_failures += passed ? 0 : 1;
+}
+
+} // namespace
+
+int main()
+{
+    std::vector<std::wstring> pieces;
+    KELPKIT::StringMulitSplit(L"a,b;c", L",;", pieces);
+    Check(pieces.size() == 3, "text is split");
+    Check(KELPKIT::UTF8ToUnicode("\xE4\xB8\xAD") == L"\x4E2D", "text is converted");
+
+    auto* const appender = new CountingAppender;
+    log4cplus::Logger::getInstance(L"log").addAppender(log4cplus::SharedAppenderPtr(appender));
+    KELPKIT::CLogMsg::LogMsg(KELPKIT::LV_FATAL, L"text");
+    Check(appender->count == 1, "the application shares the library's log");
+
+    Check(KELPKIT::CheckFolderExis(L"C:\\Windows"), "a folder is found");
+    Check(!KELPKIT::GetSysRoot().empty(), "the program's folder is known");
+    Check(CString(L"ab").GetLength() == 2, "the MFC types are there");
+
+    std::wstring hsf;
+    std::wstring qmx;
+    std::wstring error;
+    Check(!KELPKIT::ConvertHoopsQmx(L"C:\\gear.qmx", L"full", L"gear", hsf, qmx, error) && !error.empty(),
+          "a missing converter is reported");
+
+    // Memory of the standard library is made on one side and released on the other.
+    std::wstring text = L"some text that is too long to stand in the string object itself";
+    KELPKIT::StringReplace(text, L"text", L"longer text than before");
+    text.clear();
+    text.shrink_to_fit();
+    Check(text.empty(), "strings cross the border");
+    return g_failures;
+}
