@@ -1,0 +1,102 @@
+#include "Tour.h"
+
+#include <Kelpkit/Text.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+
+using namespace KELPKIT;
+
+namespace
+{
+
+constexpr std::size_t kNameColumns = 34;
+constexpr std::size_t kResultColumns = 58;
+
+void Print(const std::wstring& text)
+{
+    std::fputs(UnicodeToUTF8(text + L"\n").c_str(), stdout);
+    std::fflush(stdout);
+}
+
+// Columns on the screen: East Asian characters take two, and so do the halves of a surrogate pair together.
+std::size_t Columns(const std::wstring& text)
+{
+    std::size_t columns = 0;
+    for (const wchar_t c : text)
+        columns += c < 0x1100 || (c >= 0xD800 && c < 0xE000) ? 1 : 2;
+    return columns;
+}
+
+std::wstring Padded(const std::wstring& text, std::size_t columns)
+{
+    return text + std::wstring(columns - std::min(columns, Columns(text)), L' ');
+}
+
+std::wstring Milliseconds(std::chrono::steady_clock::duration duration)
+{
+    wchar_t text[32];
+    std::swprintf(text, std::size(text), L"%9.3f ms", std::chrono::duration<double, std::milli>(duration).count());
+    return text;
+}
+
+} // namespace
+
+void Tour::Section(const std::wstring& title)
+{
+    Print(L"\n" + title);
+}
+
+void Tour::Step(const std::wstring& name, const std::function<Result()>& action)
+{
+    const auto start = std::chrono::steady_clock::now();
+    const Result result = action();
+    const auto duration = std::chrono::steady_clock::now() - start;
+    Print(L"  " + Padded(name, kNameColumns) + L" " + Padded(result.text, kResultColumns) + L" " +
+          Milliseconds(duration) + (result.right ? L"  ok" : L"  WRONG"));
+    ++m_steps;
+    m_wrong += result.right ? 0 : 1;
+}
+
+void Tour::Note(const std::wstring& text)
+{
+    Print(L"    " + text);
+}
+
+int Tour::Summary() const
+{
+    Print(L"\n" + std::to_wstring(m_steps) + L" steps, " +
+          (m_wrong == 0 ? L"all as they should be." : std::to_wstring(m_wrong) + L" of them WRONG."));
+    return m_wrong;
+}
+
+std::wstring LogFile(const Tour& tour)
+{
+    return tour.Folder() + L"日志 logs\\run.log";
+}
+
+std::wstring Text(bool value)
+{
+    return value ? L"true" : L"false";
+}
+
+std::string Contents(const std::wstring& path)
+{
+    std::ifstream file(path.c_str(), std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+std::wstring Hex(const std::string& bytes)
+{
+    std::wstring text;
+    for (const char c : bytes) {
+        wchar_t byte[4];
+        std::swprintf(byte, std::size(byte), L"%02X ", static_cast<unsigned>(static_cast<unsigned char>(c)));
+        text += byte;
+    }
+    return StringRtrim(text, L' ');
+}

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+// Shows steps one to a line, with the result and the time that each took, and keeps count of those that went wrong.
+class Tour
+{
+public:
+    // What a step gave, and whether it is as it should be.
+    struct Result {
+        std::wstring text;
+        bool right;
+    };
+
+    explicit Tour(std::wstring folder) : m_folder(std::move(folder)) {}
+
+    // The working folder, ending in a backslash.
+    const std::wstring& Folder() const { return m_folder; }
+
+    void Section(const std::wstring& title);
+    void Step(const std::wstring& name, const std::function<Result()>& action);
+
+    // A line of text below a step.
+    static void Note(const std::wstring& text);
+
+    // Says how it went; returns the number of steps that went wrong.
+    int Summary() const;
+
+private:
+    std::wstring m_folder;
+    int m_steps = 0;
+    int m_wrong = 0;
+};
+
+// The sections, one for each family of the library.
+void ShowModelUpgrade(Tour& tour);
+void ShowLog(Tour& tour);
+void ShowText(Tour& tour);
+void ShowFiles(Tour& tour);
+void ShowSystem(Tour& tour);
+
+// The log file of the tour.
+std::wstring LogFile(const Tour& tour);
+
+// "true" or "false".
+std::wstring Text(bool value);
+
+// The bytes of a file, as far as it can be read.
+std::string Contents(const std::wstring& path);
+
+// Bytes as "D6 D0".
+std::wstring Hex(const std::string& bytes);

@@ -1,0 +1,32 @@
+// A tour of Kelpkit: sets up the log, upgrades a model file, and shows each family of the library at work.
+//
+//     tour.exe [FOLDER]
+//
+// Works in FOLDER, or in a folder of its own below the temporary one, which it empties first. What it made stays there
+// to be looked at. Ends with exit code 1 if anything is not as it should be.
+
+#include "Tour.h"
+
+#include <Kelpkit/Kelpkit.h>
+
+#include <windows.h>
+
+using namespace KELPKIT;
+
+int wmain(int argc, wchar_t** argv)
+{
+    ::SetConsoleOutputCP(CP_UTF8);
+    const std::wstring folder = argc > 1 ? argv[1] : GetTempPathW() + L"Kelpkit 之旅 tour";
+    if (argc == 1)
+        DeleteDirectory(folder);
+
+    Tour tour(folder + L"\\");
+    Tour::Note(L"Kelpkit's tour under ANSI code page " + std::to_wstring(::GetACP()) + L", working in");
+    Tour::Note(tour.Folder());
+    ShowModelUpgrade(tour);
+    ShowLog(tour);
+    ShowText(tour);
+    ShowFiles(tour);
+    ShowSystem(tour);
+    return tour.Summary() == 0 ? 0 : 1;
+}

@@ -1,0 +1,21 @@
+#!/usr/bin/env bash
+# Installs and builds what is missing, then shows Kelpkit at work: a Windows application under Wine that upgrades a model
+# through an external converter and writes a log.
+set -euo pipefail
+
+root=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd)
+folder=$root/build/demo
+"$root/scripts/setup.sh"
+"$root/scripts/build.sh"
+
+# The files of an earlier demonstration would count as found.
+rm -rf "$folder"
+mkdir -p "$folder"
+echo "demo: examples/tour under Wine"
+echo
+"$root/cmake/wine.sh" run "$root/build/mingw-release/bin/tour.exe" "Z:${folder//\//\\}"
+echo
+echo "demo: what it left in $folder"
+(cd "$folder" && find . -type f -printf '  %8s bytes  %P\n' | sort -k 3)
+echo "demo: the end of its log, read as GBK"
+tail -n 3 "$folder"/*/run.log | iconv -f GBK -t UTF-8 | sed 's/^/  /'
