@@ -1,0 +1,16 @@
+# Targets that look at the sources only: format lays them out, format-check and tidy fail where something is to be said.
+
+if(CMAKE_HOST_UNIX)
+  set(check "${PROJECT_SOURCE_DIR}/cmake/check-sources.sh")
+  add_custom_target(format COMMAND "${check}" format VERBATIM)
+  add_custom_target(format-check COMMAND "${check}" format-check VERBATIM)
+
+  # clang reads the sources as mingw's compiler does, but for the compiler's own headers.
+  set(arguments --target=x86_64-w64-windows-gnu -nostdinc++ -Wno-unknown-warning-option -Wno-unused-command-line-argument)
+  foreach(dir IN LISTS CMAKE_CXX_IMPLICIT_INCLUDE_DIRECTORIES)
+    if(NOT dir MATCHES "/lib/gcc/[^/]+/[^/]+/include(-fixed)?$")
+      list(APPEND arguments -isystem "${dir}")
+    endif()
+  endforeach()
+  add_custom_target(tidy COMMAND "${check}" tidy "${PROJECT_BINARY_DIR}" ${arguments} USES_TERMINAL VERBATIM)
+endif()
