@@ -78,7 +78,8 @@ generate_locales() {
 download_source() {
     local name=$1 apt=$deps/src/apt mirror
     say "fetching the sources of $name"
-    mkdir -p "$apt/lists/partial" "$apt/cache/archives/partial"
+    rm -rf "$apt/download"
+    mkdir -p "$apt/lists/partial" "$apt/cache/archives/partial" "$apt/download"
     mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Codename: bookworm' \
         'Component: main' 2>/dev/null | head -n 1)
     printf 'deb-src [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] %s bookworm main\n' \
@@ -86,7 +87,8 @@ download_source() {
     set -- -o "Dir::Etc::sourcelist=$apt/sources.list" -o Dir::Etc::sourceparts=- \
         -o "Dir::State::lists=$apt/lists" -o "Dir::Cache=$apt/cache" -o APT::Sandbox::User=root
     step update-sources apt-get "$@" update
-    (cd "$apt" && step "source-$name" apt-get "$@" source --download-only "$name")
+    (cd "$apt/download" && step "source-$name" apt-get "$@" source --download-only "$name")
+    mv "$apt/download/$name"_*.orig.tar.*z "$apt/"
 }
 
 # Unpacks the original sources of $1 into build/deps/src/$1.

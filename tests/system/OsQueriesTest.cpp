@@ -273,6 +273,8 @@ TEST(GetHostIP, EndsWinsockAlsoWhereItDidNotStart)
 TEST(GetHostIP, StartsAndEndsWinsockOnceInEachCall)
 {
     const WinsockCounter counter;
+    const ImportPatch resolver(
+        "gethostbyname", +[](const char*) { return &g_host; });
     for (int call = 1; call <= 3; ++call) {
         KELPKIT::GetHostIP();
         EXPECT_EQ(WinsockCounter::Started(), call);
@@ -284,6 +286,8 @@ TEST(GetHostIP, LeavesTheWinsockOfTheCallerRunning)
 {
     WSADATA data;
     ASSERT_EQ(::WSAStartup(MAKEWORD(2, 2), &data), 0);
+    const ImportPatch resolver(
+        "gethostbyname", +[](const char*) { return &g_host; });
     KELPKIT::GetHostIP();
     const SOCKET socket = ::socket(AF_INET, SOCK_DGRAM, 0);
     EXPECT_NE(socket, INVALID_SOCKET);
