@@ -49,8 +49,13 @@ std::string SystemToNarrow(UINT codePage, const wchar_t* text, std::size_t lengt
             --size;
         const int count =
             ::WideCharToMultiByte(codePage, 0, text, static_cast<int>(size), piece, sizeof piece, nullptr, nullptr);
-        result.append(piece, static_cast<std::size_t>(count));
         text += size;
+        if (result.empty() && text != end) {
+            // The rest is taken to be like the first piece.
+            const std::size_t pieces = 2 + static_cast<std::size_t>(end - text) / size;
+            result.reserve(pieces * static_cast<std::size_t>(count));
+        }
+        result.append(piece, static_cast<std::size_t>(count));
     }
     return result;
 }
