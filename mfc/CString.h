@@ -18,7 +18,11 @@ public:
         : m_text(text == nullptr ? L"" : text)
     {
     }
-    CString(const wchar_t* text, int length) : m_text(text == nullptr ? L"" : text, Count(length)) {}
+    CString(const wchar_t* text, int length)
+    {
+        if (text != nullptr)
+            m_text.assign(text, Count(length));
+    }
     explicit CString(wchar_t c, int count = 1) : m_text(Count(count), c) {}
 
     CString& operator+=(const CString& text)
@@ -98,7 +102,19 @@ public:
     friend bool operator!=(const CString& left, const CString& right) { return !(left == right); }
     friend bool operator!=(const CString& left, const wchar_t* right) { return !(left == right); }
     friend bool operator!=(const wchar_t* left, const CString& right) { return !(left == right); }
+
     friend bool operator<(const CString& left, const CString& right) { return left.Compare(right) < 0; }
+    friend bool operator<(const CString& left, const wchar_t* right) { return left.Compare(right) < 0; }
+    friend bool operator<(const wchar_t* left, const CString& right) { return right.Compare(left) > 0; }
+    friend bool operator>(const CString& left, const CString& right) { return right < left; }
+    friend bool operator>(const CString& left, const wchar_t* right) { return right < left; }
+    friend bool operator>(const wchar_t* left, const CString& right) { return right < left; }
+    friend bool operator<=(const CString& left, const CString& right) { return !(right < left); }
+    friend bool operator<=(const CString& left, const wchar_t* right) { return !(right < left); }
+    friend bool operator<=(const wchar_t* left, const CString& right) { return !(right < left); }
+    friend bool operator>=(const CString& left, const CString& right) { return !(left < right); }
+    friend bool operator>=(const CString& left, const wchar_t* right) { return !(left < right); }
+    friend bool operator>=(const wchar_t* left, const CString& right) { return !(left < right); }
 
 private:
     static constexpr const wchar_t* kWhiteSpace = L" \t\n\v\f\r";

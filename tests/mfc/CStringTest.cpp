@@ -40,10 +40,38 @@ TEST(CString, Compares)
     EXPECT_TRUE(CString(L"a") != CString(L"A"));
     EXPECT_TRUE(CString(L"a") != L"b");
     EXPECT_TRUE(L"a" != CString(L"b"));
-    EXPECT_TRUE(CString(L"a") < CString(L"b"));
     EXPECT_LT(CString(L"a").Compare(L"b"), 0);
     EXPECT_GT(CString(L"b").Compare(L"a"), 0);
     EXPECT_EQ(CString(L"b").Compare(L"b"), 0);
+}
+
+TEST(CString, IsOrderedByItsTextInEveryPairing)
+{
+    const wchar_t* const texts[] = {L"", L"a", L"aa", L"b", L"\xFFFD"};
+    for (int i = 0; i < 5; ++i) {
+        for (int j = 0; j < 5; ++j) {
+            const CString left = texts[i];
+            const CString right = texts[j];
+            EXPECT_EQ(left < right, i < j);
+            EXPECT_EQ(left < texts[j], i < j);
+            EXPECT_EQ(texts[i] < right, i < j);
+            EXPECT_EQ(left > right, i > j);
+            EXPECT_EQ(left > texts[j], i > j);
+            EXPECT_EQ(texts[i] > right, i > j);
+            EXPECT_EQ(left <= right, i <= j);
+            EXPECT_EQ(left <= texts[j], i <= j);
+            EXPECT_EQ(texts[i] <= right, i <= j);
+            EXPECT_EQ(left >= right, i >= j);
+            EXPECT_EQ(left >= texts[j], i >= j);
+            EXPECT_EQ(texts[i] >= right, i >= j);
+        }
+    }
+}
+
+TEST(CString, NullTextOfAnyLengthIsEmpty)
+{
+    EXPECT_TRUE(CString(nullptr, 5).IsEmpty());
+    EXPECT_TRUE(CString(L"abc", -1).IsEmpty());
 }
 
 TEST(CString, GivesAndSetsSingleCharacters)
