@@ -50,7 +50,7 @@ KELPKIT_API int GetFileSize(const std::wstring& path);
 
 /// Whether the file can be used: opened for reading, as CheckFileExis does. If not, msg holds the reason: "文件名为空"
 /// for an empty path, "文件不存在!" where the file cannot be opened (it may exist, and be denied or held by another
-/// process), "文件正在使用!" where it can be opened but not read. If so, msg is empty.
+/// process), "文件正在使用!" where it can be opened but not read. If so, msg is empty. path may be msg itself.
 KELPKIT_API bool CheckFileValid(const std::wstring& path, std::wstring& msg);
 
 /// Makes a folder and the parents that it lacks. The result does not tell whether the folder exists afterwards
@@ -69,6 +69,9 @@ KELPKIT_API bool MakeDirectory(const std::wstring& path);
 ///
 /// Whatever the file system calls a folder is entered: a junction or a link to a folder is followed, and what it leads
 /// to is emptied. The path is taken at its word: "C:\\" has four characters and names the whole drive.
+///
+/// One backslash is always added, also behind one that is there. Windows takes doubled ones, but not in paths that begin
+/// with "\\?\": below such a path, folders in the folder are not deleted.
 KELPKIT_API bool DeleteDirectory(const std::wstring& path);
 
 } // namespace KELPKIT
