@@ -20,6 +20,14 @@ constexpr std::size_t kStackUnits = 1024;
 // No code page that can be the ANSI one, UTF-8 among them, writes more bytes than this for one UTF-16 unit.
 constexpr std::size_t kMostBytesPerUnit = 3;
 
+// The platform counts in int, with the terminator: a result that it cannot count is refused.
+template <class Text>
+void RefuseUncountable(Text& result)
+{
+    if (result.size() >= INT_MAX)
+        result = Text();
+}
+
 // The platform's conversion in one call. The terminator is converted with the text, as it is when the length is
 // given as -1: it matters to a double-byte character cut short at the end.
 std::wstring SystemToWide(UINT codePage, const char* text, std::size_t length)
@@ -57,6 +65,7 @@ std::string SystemToNarrow(UINT codePage, const wchar_t* text, std::size_t lengt
         }
         result.append(piece, static_cast<std::size_t>(count));
     }
+    RefuseUncountable(result);
     return result;
 }
 
@@ -93,6 +102,7 @@ std::wstring UTF8ToUnicode(const std::string& text)
             result.reserve(utf8::DecodedLength(text.data(), length));
         result.append(piece, static_cast<std::size_t>(pieceEnd - piece));
     }
+    RefuseUncountable(result);
     return result;
 }
 
@@ -111,6 +121,7 @@ std::string UnicodeToUTF8(const std::wstring& text)
             result.reserve(utf8::EncodedLength(text.data(), length));
         result.append(piece, static_cast<std::size_t>(pieceEnd - piece));
     }
+    RefuseUncountable(result);
     return result;
 }
 
