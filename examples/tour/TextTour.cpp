@@ -57,4 +57,10 @@ void ShowText(Tour& tour)
         StringSplitBySize(L"abcde", 1, pieces);
         return Tour::Result{Joined(pieces), pieces == std::vector<std::wstring>{L"ab", L"cd", L"e"}};
     });
+    tour.Step(L"CBase64, there and back", [] {
+        const std::string encoded = CBase64::Encode(UnicodeToUTF8(L"齿轮 gear"));
+        std::string decoded;
+        CBase64::DecodeEx(encoded, decoded);
+        return Tour::Result{AnsiToUnicode(encoded), UTF8ToUnicode(decoded) == L"齿轮 gear"};
+    });
 }

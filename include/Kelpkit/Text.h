@@ -1,6 +1,6 @@
 #pragma once
 
-/// Text: conversion between UTF-16, UTF-8 and the ANSI code page; trimming, replacing and splitting.
+/// Text: conversion between UTF-16, UTF-8 and the ANSI code page; trimming, replacing and splitting; Base64.
 ///
 /// "ANSI" is the active code page of the system (CP_ACP): 936 (GBK) on a Chinese one, 1252 on a Western one.
 /// Every function here may be called from any thread; none keeps state. None throws anything but std::bad_alloc
@@ -18,7 +18,7 @@ namespace KELPKIT
 //
 // The result is what the platform's own conversion gives, byte for byte, for valid and for invalid text. A text
 // ends at its first zero character; what stands behind it is ignored. No failure is reported: a text that the
-// platform refuses gives an empty result.
+// platform refuses gives an empty result, and so does one whose result has 2147483647 units or more.
 
 /// ANSI to UTF-16. A byte that the code page does not define comes out as the platform maps it.
 /// Under code page 936, the bytes D6 D0 give L"中".
@@ -102,6 +102,43 @@ KELPKIT_API bool StringSplitLeftRight(const std::wstring& source, const std::wst
 /// The text passes through the ANSI code page, and what that lacks is lost; every byte of 0x80 or more is taken for
 /// the first of a pair, which fits double-byte code pages such as 936.
 KELPKIT_API void StringSplitBySize(const std::wstring& source, int width, std::vector<std::wstring>& pieces);
+
+// Base64
+
+/// Base64 (RFC 4648, section 4: the alphabet with "+" and "/", padded with "="). Holds nothing; all its operations are
+/// static.
+///
+/// Decoding is lenient and reports no error. The text is read in quanta of four characters, each giving three bytes:
+/// - Between quanta, "\r", "\n" and the control characters 1 and 2 are skipped.
+/// - Inside a quantum, any character that is not in the alphabet counts as "A", whose value is 0. So does what a last
+///   quantum lacks at the end of the text: "TQ" gives the bytes 4D 00 00.
+/// - A "=" in the third place of a quantum ends it after one byte, in the fourth after two. It is not skipped, so it is
+///   the first character of the next quantum if the text goes on: padding belongs at the end of the text.
+class CBase64
+{
+public:
+    CBase64() = default;
+    CBase64(const CBase64& other) = default;
+    KELPKIT_API CBase64& operator=(const CBase64& other);
+
+    /// The text for length bytes of data, on one line: "Man" gives "TWFu", "M" gives "TQ==". Empty where length is 0 or
+    /// less. The second form encodes all bytes of data, embedded zeros included.
+    KELPKIT_API static std::string Encode(const char* data, int length);
+    KELPKIT_API static std::string Encode(std::string data);
+
+    /// Decodes length characters of text to out, which belongs to the caller, followed by a zero byte. Returns the number
+    /// of bytes before that. Nothing behind the length is read. out must have room for 3 bytes for each 4 characters
+    /// begun, and one more; nothing behind the zero byte is written. A length of 0 or less gives the zero byte only.
+    KELPKIT_API static int Decode(const char* text, char* out, int length);
+
+    /// Decodes text and stores what comes before the first zero byte in out. Returns the number of all bytes decoded,
+    /// which is larger than out where they hold a zero: "AAEC", the bytes 00 01 02, gives 3 and an empty out.
+    KELPKIT_API static int DecodeEx(std::string text, std::string& out);
+
+    /// Decodes text into new memory and stores its address in buffer and the number of bytes in length. A zero byte
+    /// follows them. The caller frees the memory with delete[].
+    KELPKIT_API static void DecodeEx(std::string text, char*& buffer, int& length);
+};
 
 /// Holds nothing and does nothing; part of the interface for those who declare one.
 class CSortAssist

@@ -5,6 +5,10 @@
 #include <cstddef>
 #include <emmintrin.h>
 
+#if defined(_MSC_VER)
+#include <intrin.h>
+#endif
+
 namespace KELPKIT::blocks
 {
 
@@ -44,6 +48,18 @@ inline unsigned PlainMask(const char* from)
 inline unsigned PlainMask(const wchar_t* from)
 {
     return PlainMask(Narrow(from));
+}
+
+// The place of the lowest bit that is set; there must be one.
+inline unsigned TrailingZeros(unsigned mask)
+{
+#if defined(_MSC_VER)
+    unsigned long place = 0;
+    _BitScanForward(&place, mask);
+    return place;
+#else
+    return static_cast<unsigned>(__builtin_ctz(mask));
+#endif
 }
 
 inline bool HasZero(const char* from)

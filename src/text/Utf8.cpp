@@ -5,25 +5,10 @@
 #include <cstdint>
 #include <cstring>
 
-#if defined(_MSC_VER)
-#include <intrin.h>
-#endif
-
 namespace KELPKIT::utf8
 {
 namespace
 {
-
-std::ptrdiff_t TrailingOnes(unsigned mask)
-{
-#if defined(_MSC_VER)
-    unsigned long index = 0;
-    _BitScanForward(&index, ~mask);
-    return static_cast<std::ptrdiff_t>(index);
-#else
-    return __builtin_ctz(~mask);
-#endif
-}
 
 std::size_t HorizontalSum(__m128i twoSums)
 {
@@ -67,8 +52,9 @@ void CopyAscii(const From*& in, const From* end, To*& out, const To* outEnd)
         CopyBlock(in, out);
         const unsigned plain = blocks::PlainMask(in);
         if (plain != 0xFFFF) {
-            in += TrailingOnes(plain);
-            out += TrailingOnes(plain);
+            const unsigned run = blocks::TrailingZeros(~plain);
+            in += run;
+            out += run;
             return;
         }
         in += kBlock;
