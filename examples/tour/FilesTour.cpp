@@ -1,6 +1,7 @@
 #include "Tour.h"
 
 #include <Kelpkit/Files.h>
+#include <Kelpkit/Text.h>
 
 #include <fstream>
 
@@ -28,6 +29,11 @@ void ShowFiles(Tour& tour)
     tour.Step(L"GetFileSize", [&] {
         std::ofstream(file.c_str(), std::ios::binary) << std::string(2049, 'x');
         return Tour::Result{std::to_wstring(GetFileSize(file)) + L" bytes", GetFileSize(file) == 2049};
+    });
+    tour.Step(L"GetFileMD5", [&] {
+        std::string digest;
+        BuildMd5Code(std::string(2049, 'x'), digest);
+        return Tour::Result{GetFileMD5(file), GetFileMD5(file) == AnsiToUnicode(digest)};
     });
     tour.Step(L"CheckFileValid of a missing file", [&] {
         std::wstring reason;

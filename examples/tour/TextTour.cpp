@@ -63,4 +63,9 @@ void ShowText(Tour& tour)
         CBase64::DecodeEx(encoded, decoded);
         return Tour::Result{AnsiToUnicode(encoded), UTF8ToUnicode(decoded) == L"齿轮 gear"};
     });
+    tour.Step(L"BuildMd5Code of abc", [] {
+        std::wstring digest;
+        BuildMd5Code(std::wstring(L"abc"), digest);
+        return Tour::Result{digest, digest == L"900150983cd24fb0d6963f7d28e17f72"};
+    });
 }

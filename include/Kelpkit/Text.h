@@ -1,6 +1,6 @@
 #pragma once
 
-/// Text: conversion between UTF-16, UTF-8 and the ANSI code page; trimming, replacing and splitting; Base64.
+/// Text: conversion between UTF-16, UTF-8 and the ANSI code page; trimming, replacing and splitting; Base64; MD5.
 ///
 /// "ANSI" is the active code page of the system (CP_ACP): 936 (GBK) on a Chinese one, 1252 on a Western one.
 /// Every function here may be called from any thread; none keeps state. None throws anything but std::bad_alloc
@@ -139,6 +139,24 @@ public:
     /// follows them. The caller frees the memory with delete[].
     KELPKIT_API static void DecodeEx(std::string text, char*& buffer, int& length);
 };
+
+// MD5
+//
+// The MD5 digest (RFC 1321) as 32 lower-case hexadecimal digits, to tell contents apart that come about by chance. It
+// protects nothing: two contents with one digest are easily made, so it is fit neither for signatures nor for passwords.
+
+/// Stores the digest of all bytes of input, embedded zeros included, in output. Always true. "abc" gives
+/// "900150983cd24fb0d6963f7d28e17f72".
+KELPKIT_API bool BuildMd5Code(const std::string& input, std::string& output);
+
+/// Stores the digest of input in the ANSI code page (UnicodeToAnsi) in output: under code page 936, that of L"中" is the
+/// digest of the bytes D6 D0. The same text may thus have another digest on another system. Always true.
+KELPKIT_API bool BuildMd5Code(const std::wstring& input, std::wstring& output);
+
+/// The digest of a file's contents; empty where CheckFileValid (Files.h) is false for the path. The file may be larger
+/// than memory, and open for writing elsewhere. A file that is removed or locked between that check and its reading
+/// gives the digest of nothing, "d41d8cd98f00b204e9800998ecf8427e".
+KELPKIT_API std::wstring GetFileMD5(const std::wstring& path);
 
 /// Holds nothing and does nothing; part of the interface for those who declare one.
 class CSortAssist

@@ -9,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <windows.h>
-#include <winioctl.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -19,6 +18,7 @@
 using namespace KELPKIT;
 using test::FileHolder;
 using test::ImportPatch;
+using test::MakeSparseFile;
 using test::TempFolder;
 using test::WriteFileBytes;
 
@@ -33,19 +33,6 @@ bool IsValid(const std::wstring& path)
 {
     g_validity = L"what was there before";
     return CheckFileValid(path, g_validity);
-}
-
-// A file of this size that takes no room.
-void MakeSparseFile(const std::wstring& path, long long size)
-{
-    const FileHolder file(path, GENERIC_READ | GENERIC_WRITE, 0, CREATE_ALWAYS);
-    DWORD returned = 0;
-    // Where the file system has no such control, it has sparse files without being asked.
-    ::DeviceIoControl(file.Handle(), FSCTL_SET_SPARSE, nullptr, 0, nullptr, 0, &returned, nullptr);
-    LARGE_INTEGER end;
-    end.QuadPart = size;
-    ASSERT_TRUE(::SetFilePointerEx(file.Handle(), end, nullptr, FILE_BEGIN)) << test::LastErrorText();
-    ASSERT_TRUE(::SetEndOfFile(file.Handle())) << test::LastErrorText();
 }
 
 int SizeOfSparseFile(long long size)
