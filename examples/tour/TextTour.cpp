@@ -68,4 +68,8 @@ void ShowText(Tour& tour)
         BuildMd5Code(std::wstring(L"abc"), digest);
         return Tour::Result{digest, digest == L"900150983cd24fb0d6963f7d28e17f72"};
     });
+    tour.Step(L"ALargeB of 1.10 and 1.9", [] {
+        const int order = ALargeB(L"1.10", L"1.9");
+        return Tour::Result{std::to_wstring(order) + L", the first is larger", order == 1};
+    });
 }

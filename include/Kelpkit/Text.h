@@ -1,6 +1,7 @@
 #pragma once
 
-/// Text: conversion between UTF-16, UTF-8 and the ANSI code page; trimming, replacing and splitting; Base64; MD5.
+/// Text: conversion between UTF-16, UTF-8 and the ANSI code page; trimming, replacing and splitting; Base64; MD5;
+/// comparison of versions.
 ///
 /// "ANSI" is the active code page of the system (CP_ACP): 936 (GBK) on a Chinese one, 1252 on a Western one.
 /// Every function here may be called from any thread; none keeps state. None throws anything but std::bad_alloc
@@ -157,6 +158,24 @@ KELPKIT_API bool BuildMd5Code(const std::wstring& input, std::wstring& output);
 /// than memory, and open for writing elsewhere. A file that is removed or locked between that check and its reading
 /// gives the digest of nothing, "d41d8cd98f00b204e9800998ecf8427e".
 KELPKIT_API std::wstring GetFileMD5(const std::wstring& path);
+
+// Versions and numbers
+
+/// Compares two texts such as versions: 1 if a is larger, -1 if it is smaller, 0 if they are equal. Both are cut into
+/// runs of digits ("0" to "9") and runs of anything else, which are compared in turn: two runs of digits as numbers,
+/// any others byte by byte in the ANSI code page. Where all are equal, the text with more runs is larger. Numbers above
+/// 2147483647 count as that.
+///
+///     "1.10"  "1.9"      1: 10 is larger than 9
+///     "1.01"  "1.1"      0
+///     "1.0"   "1.0.0"   -1: fewer runs
+///     "1.2a"  "1.2b"    -1
+///     "v2"    "10"       1: "v" and "10" as texts
+///     ""      "1"       -1
+KELPKIT_API int ALargeB(std::wstring a, std::wstring b);
+
+/// Whether x is at most 0.000001 away from zero, that distance included. True also for not-a-number.
+KELPKIT_API bool IsDoubleZero(double x);
 
 /// Holds nothing and does nothing; part of the interface for those who declare one.
 class CSortAssist

@@ -43,6 +43,7 @@ int main()
     Check(pieces.size() == 3, "text is split");
     Check(KELPKIT::UTF8ToUnicode("\xE4\xB8\xAD") == L"\x4E2D", "text is converted");
     Check(KELPKIT::CBase64::Encode("Man", 3) == "TWFu", "data is encoded");
+    Check(KELPKIT::ALargeB(L"1.10", L"1.9") == 1, "versions are compared");
 
     auto* const appender = new CountingAppender;
     log4cplus::Logger::getInstance(L"log").addAppender(log4cplus::SharedAppenderPtr(appender));

@@ -1,0 +1,217 @@
+#include "support/CodePage.h"
+
+#include <Kelpkit/Text.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+using namespace KELPKIT;
+using test::UnderCodePage936;
+
+namespace
+{
+
+struct Case {
+    const wchar_t* a;
+    const wchar_t* b;
+    int result;
+};
+
+void ExpectBothWays(const Case& expected)
+{
+    EXPECT_EQ(ALargeB(expected.a, expected.b), expected.result) << testing::PrintToString(std::wstring(expected.a));
+    EXPECT_EQ(ALargeB(expected.b, expected.a), -expected.result) << testing::PrintToString(std::wstring(expected.b));
+}
+
+// The comparison on lists of runs, to compare with.
+std::vector<std::pair<bool, std::string>> Runs(const std::string& text)
+{
+    std::vector<std::pair<bool, std::string>> runs;
+    for (const char c : text) {
+        const bool digit = std::string("0123456789").find(c) != std::string::npos;
+        if (runs.empty() || runs.back().first != digit)
+            runs.emplace_back(digit, "");
+        runs.back().second += c;
+    }
+    return runs;
+}
+
+long double Saturated(const std::string& digits)
+{
+    return std::min(std::stold(digits), 2147483647.0L);
+}
+
+int Model(const std::wstring& a, const std::wstring& b)
+{
+    const auto runsA = Runs(UnicodeToAnsi(a));
+    const auto runsB = Runs(UnicodeToAnsi(b));
+    for (std::size_t i = 0; i < runsA.size() && i < runsB.size(); ++i) {
+        const auto& [digitsA, textA] = runsA[i];
+        const auto& [digitsB, textB] = runsB[i];
+        if (digitsA && digitsB) {
+            if (Saturated(textA) != Saturated(textB))
+                return Saturated(textA) < Saturated(textB) ? -1 : 1;
+        } else if (textA != textB) {
+            const std::basic_string<unsigned char> bytesA(textA.begin(), textA.end());
+            const std::basic_string<unsigned char> bytesB(textB.begin(), textB.end());
+            return bytesA < bytesB ? -1 : 1;
+        }
+    }
+    return runsA.size() == runsB.size() ? 0 : runsA.size() < runsB.size() ? -1 : 1;
+}
+
+class RandomVersions
+{
+public:
+    // Texts that share much, so that they often agree for long.
+    std::wstring Next()
+    {
+        static const std::wstring pieces[] = {
+            L"0", L"1",  L"01", L"2",          L"9",          L"10",         L".",
+            L".", L"-",  L"v",  L"V",          L"beta",       L"a",          L":",
+            L"/", L"版", L"é",  L"2147483646", L"2147483647", L"2147483648", L"99999999999999999999"};
+        std::wstring text;
+        for (unsigned length = Below(6); length > 0; --length)
+            text += pieces[Below(static_cast<unsigned>(std::size(pieces)))];
+        return text;
+    }
+
+private:
+    unsigned Below(unsigned limit) { return std::uniform_int_distribution<unsigned>(0, limit - 1)(m_engine); }
+
+    std::mt19937 m_engine{1};
+};
+
+} // namespace
+
+TEST(ALargeB, ComparesRunsOfDigitsAsNumbers)
+{
+    ExpectBothWays({L"1.10", L"1.9", 1});
+    ExpectBothWays({L"2.10.3", L"2.10.12", -1});
+    ExpectBothWays({L"1.01", L"1.1", 0});
+    ExpectBothWays({L"0001", L"1", 0});
+    ExpectBothWays({L"000", L"0", 0});
+}
+
+TEST(ALargeB, MoreRunsAreLargerWhereTheOthersAreEqual)
+{
+    ExpectBothWays({L"1.0", L"1.0.0", -1});
+    ExpectBothWays({L"1.0", L"1.0.", -1});
+    ExpectBothWays({L"1", L"1a", -1});
+}
+
+TEST(ALargeB, EmptyTextIsTheSmallest)
+{
+    ExpectBothWays({L"", L"", 0});
+    ExpectBothWays({L"", L"1", -1});
+    ExpectBothWays({L"", L"a", -1});
+}
+
+TEST(ALargeB, ComparesAnythingElseAsTexts)
+{
+    ExpectBothWays({L"1.2a", L"1.2b", -1});
+    ExpectBothWays({L"1.2", L"1.a", -1});
+    ExpectBothWays({L"v2", L"10", 1});
+    ExpectBothWays({L"V1", L"v1", -1});
+    ExpectBothWays({L"1.2", L"1..2", -1});
+    ExpectBothWays({L"beta", L"betas", -1});
+    ExpectBothWays({L"2beta", L"2betas", -1});
+}
+
+TEST(ALargeB, BytesOfTextsAreUnsigned)
+{
+    // E9 or A8 A6, as the code page is; both are above the 7A of z.
+    ExpectBothWays({L"é", L"z", 1});
+}
+
+TEST(ALargeB, NumbersSaturate)
+{
+    ExpectBothWays({L"2147483647", L"2147483648", 0});
+    ExpectBothWays({L"2147483646", L"2147483648", -1});
+    ExpectBothWays({L"4294967296", L"1", 1});
+    ExpectBothWays({L"99999999999999999999999999", L"2147483647", 0});
+    ExpectBothWays({L"00000000000000000000000001", L"1", 0});
+}
+
+TEST(ALargeB, TextEndsAtItsFirstZeroCharacter)
+{
+    EXPECT_EQ(ALargeB(std::wstring(L"1\0002", 3), L"1"), 0);
+}
+
+class ALargeBUnder936 : public UnderCodePage936
+{
+};
+
+TEST_F(ALargeBUnder936, ComparesTheBytesOfTheCodePage)
+{
+    // D6 D0 and CE C4; by code point it would be the other way round than by pinyin.
+    ExpectBothWays({L"中", L"文", 1});
+    ExpectBothWays({L"版2", L"版10", -1});
+}
+
+TEST(ALargeB, RandomTextsAreComparedAsTheModelDoes)
+{
+    RandomVersions versions;
+    for (int round = 0; round < 100000; ++round) {
+        const std::wstring a = versions.Next();
+        const std::wstring b = versions.Next();
+        ASSERT_EQ(ALargeB(a, b), Model(a, b)) << testing::PrintToString(a) << testing::PrintToString(b);
+    }
+}
+
+TEST(ALargeB, IsAConsistentOrder)
+{
+    RandomVersions versions;
+    for (int round = 0; round < 100000; ++round) {
+        const std::wstring a = versions.Next();
+        const std::wstring b = versions.Next();
+        const std::wstring c = versions.Next();
+        ASSERT_EQ(ALargeB(a, a), 0) << testing::PrintToString(a);
+        ASSERT_EQ(ALargeB(a, b), -ALargeB(b, a)) << testing::PrintToString(a) << testing::PrintToString(b);
+        if (ALargeB(a, b) <= 0 && ALargeB(b, c) <= 0) {
+            ASSERT_LE(ALargeB(a, c), 0) << testing::PrintToString(a) << testing::PrintToString(b)
+                                        << testing::PrintToString(c);
+        }
+        if (ALargeB(a, b) == 0) {
+            ASSERT_EQ(ALargeB(a, c), ALargeB(b, c))
+                << testing::PrintToString(a) << testing::PrintToString(b) << testing::PrintToString(c);
+        }
+    }
+}
+
+TEST(ALargeB, TakesTimeInProportionToTheText)
+{
+    std::wstring a;
+    for (int i = 0; i < 300000; ++i)
+        a += L"12.";
+    EXPECT_EQ(ALargeB(a, a), 0);
+    EXPECT_EQ(ALargeB(a + L"1", a), 1);
+    EXPECT_EQ(ALargeB(std::wstring(1000000, L'9'), std::wstring(1000001, L'9')), 0);
+}
+
+TEST(IsDoubleZero, IsTrueUpToAMillionthOnBothSides)
+{
+    const double bound = 0.000001;
+    const double infinity = std::numeric_limits<double>::infinity();
+    EXPECT_TRUE(IsDoubleZero(0.0));
+    EXPECT_TRUE(IsDoubleZero(-0.0));
+    EXPECT_TRUE(IsDoubleZero(bound));
+    EXPECT_TRUE(IsDoubleZero(-bound));
+    EXPECT_FALSE(IsDoubleZero(std::nextafter(bound, infinity)));
+    EXPECT_FALSE(IsDoubleZero(std::nextafter(-bound, -infinity)));
+    EXPECT_FALSE(IsDoubleZero(1.0));
+    EXPECT_FALSE(IsDoubleZero(-1.0));
+    EXPECT_FALSE(IsDoubleZero(infinity));
+    EXPECT_FALSE(IsDoubleZero(-infinity));
+}
+
+TEST(IsDoubleZero, IsTrueForNotANumber)
+{
+    EXPECT_TRUE(IsDoubleZero(std::numeric_limits<double>::quiet_NaN()));
+}
