@@ -33,6 +33,10 @@ void ShowSystem(Tour& tour)
         const std::wstring address = GetHostIP();
         return Tour::Result{address.empty() ? L"(the name does not resolve)" : address, true};
     });
+    tour.Step(L"GenerateUUID", [] {
+        const std::wstring uuid = GenerateUUID();
+        return Tour::Result{uuid, uuid.size() == 36 && uuid != GenerateUUID()};
+    });
     tour.Step(L"IsWindowsXP, 7, 8", [] {
         const bool is[] = {IsWindowsXP(), IsWindows7(), IsWindows8()};
         return Tour::Result{Text(is[0]) + L", " + Text(is[1]) + L", " + Text(is[2]), is[0] + is[1] + is[2] <= 1};

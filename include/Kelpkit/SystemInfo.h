@@ -1,9 +1,10 @@
 #pragma once
 
-/// The running system: where the host program is, the temporary folder, names and addresses, the Windows version.
+/// The running system: where the host program is, the temporary folder, names and addresses, the Windows version;
+/// UUIDs.
 ///
 /// No function keeps state; each may be called from any thread. None throws anything but std::bad_alloc and
-/// std::length_error; failures give an empty text or false.
+/// std::length_error, save where it says so; failures give an empty text or false.
 
 #include "Export.h"
 
@@ -47,5 +48,10 @@ KELPKIT_API bool IsWindows7();
 
 /// Whether Windows reports version 6.2 exactly.
 KELPKIT_API bool IsWindows8();
+
+/// A new random UUID (RFC 4122, version 4), such as "0f8fad5b-d9cb-469f-a165-70867728950e": 36 characters, hexadecimal
+/// digits in lower case. Every call seeds a generator of its own from the system's random numbers. Should the system
+/// have none, throws boost::uuids::entropy_error, a std::runtime_error.
+KELPKIT_API std::wstring GenerateUUID();
 
 } // namespace KELPKIT

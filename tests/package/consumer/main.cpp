@@ -52,6 +52,7 @@ int main()
 
     Check(KELPKIT::CheckFolderExis(L"C:\\Windows"), "a folder is found");
     Check(!KELPKIT::GetSysRoot().empty(), "the program's folder is known");
+    Check(KELPKIT::GenerateUUID().size() == 36, "a UUID is generated");
     Check(CString(L"ab").GetLength() == 2, "the MFC types are there");
 
     std::wstring hsf;

@@ -1,0 +1,122 @@
+#include "support/ImportPatch.h"
+
+#include <Kelpkit/SystemInfo.h>
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <bcrypt.h>
+
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+using namespace KELPKIT;
+using test::ImportPatch;
+
+namespace
+{
+
+// 36 characters in groups of 8, 4, 4, 4 and 12, with version 4 and the variant of RFC 4122.
+bool IsWellFormed(const std::wstring& uuid)
+{
+    if (uuid.size() != 36)
+        return false;
+    for (std::size_t i = 0; i < uuid.size(); ++i) {
+        const std::wstring allowed = i == 8 || i == 13 || i == 18 || i == 23 ? L"-"
+                                     : i == 14                               ? L"4"
+                                     : i == 19                               ? L"89ab"
+                                                                             : L"0123456789abcdef";
+        if (allowed.find(uuid[i]) == std::wstring::npos)
+            return false;
+    }
+    return true;
+}
+
+int g_draws = 0;
+const ImportPatch* g_random = nullptr;
+
+NTSTATUS WINAPI CountingRandom(BCRYPT_ALG_HANDLE algorithm, PUCHAR bytes, ULONG size, ULONG flags)
+{
+    ++g_draws;
+    return g_random->Original<decltype(::BCryptGenRandom)>()(algorithm, bytes, size, flags);
+}
+
+} // namespace
+
+TEST(GenerateUUID, GivesAnotherOneEachTime)
+{
+    EXPECT_NE(GenerateUUID(), GenerateUUID());
+}
+
+TEST(GenerateUUID, OneHundredThousandAreWellFormedAndDistinct)
+{
+    std::set<std::wstring> uuids;
+    std::set<wchar_t> variants;
+    for (int i = 0; i < 100000; ++i) {
+        const std::wstring uuid = GenerateUUID();
+        ASSERT_TRUE(IsWellFormed(uuid)) << testing::PrintToString(uuid);
+        variants.insert(uuid[19]);
+        uuids.insert(uuid);
+    }
+    EXPECT_EQ(uuids.size(), 100000U);
+    EXPECT_EQ(variants, (std::set<wchar_t>{L'8', L'9', L'a', L'b'}));
+}
+
+TEST(GenerateUUID, EveryDigitTakesEveryValue)
+{
+    std::set<wchar_t> seen[36];
+    for (int i = 0; i < 1000; ++i) {
+        const std::wstring uuid = GenerateUUID();
+        for (std::size_t place = 0; place < 36; ++place)
+            seen[place].insert(uuid[place]);
+    }
+    for (std::size_t place = 0; place < 36; ++place) {
+        const bool fixed = place == 8 || place == 13 || place == 14 || place == 18 || place == 23;
+        EXPECT_EQ(seen[place].size(), fixed ? 1U : place == 19 ? 4U : 16U) << place;
+    }
+}
+
+TEST(GenerateUUID, SeedsAGeneratorInEachCall)
+{
+    const ImportPatch patch("BCryptGenRandom", CountingRandom);
+    g_random = &patch;
+    for (int call = 0; call < 3; ++call) {
+        g_draws = 0;
+        GenerateUUID();
+        EXPECT_GT(g_draws, 0);
+    }
+}
+
+TEST(GenerateUUID, ThrowsWhereTheSystemHasNoRandomNumbers)
+{
+    const ImportPatch patch(
+        "BCryptGenRandom",
+        +[](BCRYPT_ALG_HANDLE, PUCHAR, ULONG, ULONG) -> NTSTATUS { return static_cast<NTSTATUS>(0xC0000001); });
+    EXPECT_THROW(GenerateUUID(), std::runtime_error);
+}
+
+TEST(GenerateUUID, EightThreadsAtOnceGetDistinctOnes)
+{
+    std::vector<std::vector<std::wstring>> results(8);
+    std::vector<std::thread> threads;
+    for (std::vector<std::wstring>& result : results) {
+        threads.emplace_back([&result] {
+            for (int i = 0; i < 1000; ++i)
+                result.push_back(GenerateUUID());
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    std::set<std::wstring> uuids;
+    for (const std::vector<std::wstring>& result : results) {
+        for (const std::wstring& uuid : result) {
+            EXPECT_TRUE(IsWellFormed(uuid));
+            uuids.insert(uuid);
+        }
+    }
+    EXPECT_EQ(uuids.size(), 8000U);
+}
