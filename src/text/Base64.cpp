@@ -279,6 +279,8 @@ int CBase64::Decode(const char* text, char* out, int length)
     return static_cast<int>(DecodeText({text, Length(length)}, out));
 }
 
+// By contract the texts are taken by value.
+// NOLINTBEGIN(performance-unnecessary-value-param)
 int CBase64::DecodeEx(std::string text, std::string& out)
 {
     std::string area(DecodedRoom(text.size()), '\0');
@@ -294,5 +296,6 @@ void CBase64::DecodeEx(std::string text, char*& buffer, int& length)
     buffer = new char[DecodedRoom(text.size())]();
     length = static_cast<int>(DecodeText(text, buffer));
 }
+// NOLINTEND(performance-unnecessary-value-param)
 
 } // namespace KELPKIT

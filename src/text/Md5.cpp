@@ -17,7 +17,7 @@ namespace
 constexpr std::size_t kChunkSize = 1024;
 
 // Beneath the stream, so that its chunks cost no system call.
-constexpr std::size_t kFileBufferSize = 64 * 1024;
+constexpr std::size_t kFileBufferSize = 65536;
 
 // The whole part of 2^32 * |sin(i + 1)|.
 constexpr std::uint32_t kSines[64] = {
@@ -51,9 +51,9 @@ template <int i>
 inline void Step(std::uint32_t (&state)[4], const char* block)
 {
     constexpr int round = i / 16;
-    constexpr int factors[4] = {1, 5, 3, 7};
-    constexpr int offsets[4] = {0, 1, 5, 0};
-    constexpr int word = (i * factors[round] + offsets[round]) % 16;
+    constexpr std::size_t factors[4] = {1, 5, 3, 7};
+    constexpr std::size_t offsets[4] = {0, 1, 5, 0};
+    constexpr std::size_t word = (i * factors[round] + offsets[round]) % 16;
 
     std::uint32_t& a = state[(64 - i) % 4];
     const std::uint32_t b = state[(65 - i) % 4];
