@@ -1,4 +1,5 @@
 #include "support/GuardedBuffer.h"
+#include "support/Random.h"
 
 #include <Kelpkit/Text.h>
 
@@ -8,7 +9,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <random>
 #include <string>
 #include <thread>
 #include <utility>
@@ -101,12 +101,10 @@ std::string InLines(const std::string& text, std::size_t width)
     return lines;
 }
 
-class Random
+class Random : public test::Random
 {
 public:
-    explicit Random(unsigned seed) : m_engine(seed) {}
-
-    unsigned Below(unsigned limit) { return std::uniform_int_distribution<unsigned>(0, limit - 1)(m_engine); }
+    using test::Random::Random;
 
     std::string Bytes(std::size_t length)
     {
@@ -142,9 +140,6 @@ public:
             return AlmostText(length);
         }
     }
-
-private:
-    std::mt19937 m_engine;
 };
 
 // RFC 4648, section 10, and more.

@@ -1,5 +1,6 @@
 #include "support/CodePage.h"
 #include "support/ImportPatch.h"
+#include "support/Random.h"
 
 #include <Kelpkit/Text.h>
 
@@ -8,7 +9,6 @@
 #include <windows.h>
 
 #include <cstdlib>
-#include <random>
 #include <string>
 #include <thread>
 #include <vector>
@@ -53,12 +53,10 @@ void ExpectSystemResults(const std::wstring& text)
     ASSERT_EQ(UnicodeToUTF8(text), SystemNarrow(CP_UTF8, text)) << testing::PrintToString(text);
 }
 
-class Random
+class Random : public test::Random
 {
 public:
-    explicit Random(unsigned seed) : m_engine(seed) {}
-
-    unsigned Below(unsigned limit) { return std::uniform_int_distribution<unsigned>(0, limit - 1)(m_engine); }
+    using test::Random::Random;
 
     // Mostly short, at times as long as the buffers behind the conversions, at times longer.
     unsigned Length()
@@ -101,9 +99,6 @@ public:
         }
         return text;
     }
-
-private:
-    std::mt19937 m_engine;
 };
 
 } // namespace

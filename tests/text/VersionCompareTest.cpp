@@ -1,4 +1,5 @@
 #include "support/CodePage.h"
+#include "support/Random.h"
 
 #include <Kelpkit/Text.h>
 
@@ -6,7 +7,6 @@
 
 #include <cmath>
 #include <limits>
-#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -66,9 +66,11 @@ int Model(const std::wstring& a, const std::wstring& b)
     return runsA.size() == runsB.size() ? 0 : runsA.size() < runsB.size() ? -1 : 1;
 }
 
-class RandomVersions
+class RandomVersions : public test::Random
 {
 public:
+    RandomVersions() : Random(1) {}
+
     // Texts that share much, so that they often agree for long.
     std::wstring Next()
     {
@@ -81,11 +83,6 @@ public:
             text += pieces[Below(static_cast<unsigned>(std::size(pieces)))];
         return text;
     }
-
-private:
-    unsigned Below(unsigned limit) { return std::uniform_int_distribution<unsigned>(0, limit - 1)(m_engine); }
-
-    std::mt19937 m_engine{1};
 };
 
 } // namespace
