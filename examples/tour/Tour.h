@@ -37,6 +37,7 @@ private:
 void ShowModelUpgrade(Tour& tour);
 void ShowLog(Tour& tour);
 void ShowText(Tour& tour);
+void ShowColors(Tour& tour);
 void ShowFiles(Tour& tour);
 void ShowSystem(Tour& tour);
 

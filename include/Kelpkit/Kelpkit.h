@@ -2,6 +2,7 @@
 
 /// All of Kelpkit's public headers.
 
+#include "Color.h"
 #include "Files.h"
 #include "Log.h"
 #include "Mfc.h"

@@ -45,6 +45,8 @@ int main()
     Check(KELPKIT::CBase64::Encode("Man", 3) == "TWFu", "data is encoded");
     Check(KELPKIT::ALargeB(L"1.10", L"1.9") == 1, "versions are compared");
 
+    Check(KELPKIT::HexColorToREF(L"#FF8000") == 0x0080FF, "a colour is read");
+
     auto* const appender = new CountingAppender;
     log4cplus::Logger::getInstance(L"log").addAppender(log4cplus::SharedAppenderPtr(appender));
     KELPKIT::CLogMsg::LogMsg(KELPKIT::LV_FATAL, L"text");
