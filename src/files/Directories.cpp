@@ -1,9 +1,8 @@
 #include "Kelpkit/Files.h"
 
-#include "WindowsApi.h"
+#include "files/Entries.h"
 
 #include <cstddef>
-#include <memory>
 #include <vector>
 
 namespace KELPKIT
@@ -14,26 +13,9 @@ namespace
 // "C:\" and shorter are no folders to make or delete.
 constexpr std::size_t kRootLength = 3;
 
-// To the system a path ends at its first zero character, so its length is counted to there.
-std::wstring UpToZero(const std::wstring& path)
-{
-    return path.substr(0, path.find(L'\0'));
-}
-
-struct FindCloser {
-    void operator()(HANDLE find) const { ::FindClose(find); }
-};
-
-bool IsDots(const wchar_t* name)
-{
-    return name[0] == L'.' && (name[1] == L'\0' || (name[1] == L'.' && name[2] == L'\0'));
-}
-
 // Deletes one entry of a folder. What fails shows when the folder itself cannot be removed.
-void DeleteEntry(const std::wstring& folder, const WIN32_FIND_DATAW& entry)
+void DeleteEntry(std::wstring path, bool isFolder)
 {
-    const bool isFolder = (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-    std::wstring path = folder + entry.cFileName;
     if (isFolder)
         path += L'\\';
     ::SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
@@ -41,20 +23,6 @@ void DeleteEntry(const std::wstring& folder, const WIN32_FIND_DATAW& entry)
         DeleteDirectory(path);
     else
         ::DeleteFileW(path.c_str());
-}
-
-// Deletes everything in a folder, in the order in which the system names it.
-void DeleteEntries(const std::wstring& folder)
-{
-    WIN32_FIND_DATAW entry;
-    const HANDLE find = ::FindFirstFileW((folder + L"*.*").c_str(), &entry);
-    if (find == INVALID_HANDLE_VALUE)
-        return;
-    const std::unique_ptr<void, FindCloser> closer(find);
-    do {
-        if (!IsDots(entry.cFileName))
-            DeleteEntry(folder, entry);
-    } while (::FindNextFileW(find, &entry));
 }
 
 } // namespace
@@ -93,7 +61,8 @@ bool DeleteDirectory(const std::wstring& path)
         return false;
     // By contract always one more, also behind a backslash that is there.
     folder += L'\\';
-    DeleteEntries(folder);
+    ForEachEntry(folder + L"*.*",
+                 [&folder](const std::wstring& name, bool isFolder) { DeleteEntry(folder + name, isFolder); });
     return ::RemoveDirectoryW(folder.c_str()) != FALSE;
 }
 
