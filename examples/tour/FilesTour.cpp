@@ -40,6 +40,26 @@ void ShowFiles(Tour& tour)
         const bool valid = CheckFileValid(top + L"\\missing", reason);
         return Tour::Result{Text(valid) + L", " + reason, !valid && reason == L"文件不存在!"};
     });
+    tour.Step(L"CopyFolder, without *.gz", [&] {
+        CFileFolderManageTool tool;
+        tool.SetNoNeedFileExName(L"gz");
+        const bool result = tool.CopyFolder(top, top + L" copy");
+        const bool right =
+            CheckFolderExis(top + L" copy\\a\\b\\c") && !CheckFileExis(top + L" copy\\a\\b\\archive.tar.gz");
+        return Tour::Result{Text(result), result && right};
+    });
+    tour.Step(L"ClearFolder", [&] {
+        const bool result = CFileFolderManageTool().ClearFolder(top + L" copy");
+        return Tour::Result{Text(result), result && !CheckFolderExis(top + L" copy")};
+    });
+    tour.Step(L"CAutoCreateFolder", [&] {
+        bool made = false;
+        {
+            const CAutoCreateFolder scoped(top + L"\\scoped");
+            made = CheckFolderExis(top + L"\\scoped");
+        }
+        return Tour::Result{L"there in its scope only", made && !CheckFolderExis(top + L"\\scoped")};
+    });
     tour.Step(L"DeleteDirectory", [&] {
         const bool deleted = DeleteDirectory(top);
         return Tour::Result{Text(deleted) + L", with everything in it", deleted && !CheckFolderExis(top)};

@@ -1,14 +1,15 @@
 #pragma once
 
-/// Files and folders: questions about a path, and folder trees made and deleted.
+/// Files and folders: questions about a path; folder trees made, copied and deleted; folders for a scope.
 ///
 /// The backslash is the only separator: "/" is a character like any other. Paths go to the system as they are given,
 /// with nothing added, folded or resolved; paths that begin with "\\?\" included. A path ends at its first zero
-/// character wherever the system reads it. No function keeps state or a handle; each may be called from any thread.
-/// None throws for a bad path.
+/// character wherever the system reads it. No function keeps state or a handle; each may be called from any thread. An
+/// object may be used by one thread at a time. None throws for a bad path.
 
 #include "Export.h"
 
+#include <set>
 #include <string>
 
 namespace KELPKIT
@@ -73,5 +74,77 @@ KELPKIT_API bool MakeDirectory(const std::wstring& path);
 /// One backslash is always added, also behind one that is there. Windows takes doubled ones, but not in paths that begin
 /// with "\\?\": below such a path, folders in the folder are not deleted.
 KELPKIT_API bool DeleteDirectory(const std::wstring& path);
+
+/// Copies folder trees, leaving out what was excluded, and deletes them.
+///
+/// Exclusions are lists with "$" between the entries, as in "pdb$tmp". An empty last entry is none; blanks belong to an
+/// entry. Entries of several calls add up, for the life of the object. Case does not matter, as far as the global locale
+/// of C++ has lower case for a letter; in the default one, that is for A to Z.
+class CFileFolderManageTool
+{
+public:
+    /// Excludes nothing.
+    KELPKIT_API CFileFolderManageTool();
+    KELPKIT_API CFileFolderManageTool(const CFileFolderManageTool& other);
+    KELPKIT_API CFileFolderManageTool& operator=(const CFileFolderManageTool& other);
+    KELPKIT_API ~CFileFolderManageTool();
+
+    /// Excludes files and folders, a folder with all that is in it, by their paths. A path must be written as CopyFolder
+    /// makes it: the source as it is given there, "\", and the names down to the entry. "C:\Src\Temp" excludes Temp from
+    /// a copy of "C:\Src", but not from one of "C:\Src\", where its path is "C:\Src\\Temp".
+    KELPKIT_API void SetNoNeedFilePath(const std::wstring& paths);
+
+    /// Excludes files by what stands behind the last dot of their path; where it has none, by the whole path. The dot is
+    /// not written: ".tmp" excludes nothing.
+    KELPKIT_API void SetNoNeedFileExName(const std::wstring& exts);
+
+    /// Copies what is in the folder src to the folder dst. dst is deleted first, with everything in it that can be
+    /// (ClearFolder), and made anew; its parent must be there. Both without a trailing backslash. Returns false where
+    /// either is empty, or src itself is excluded, which leaves dst as it is; else true, even if src is missing (dst is
+    /// then an empty folder) or single files cannot be copied.
+    ///
+    /// Links to folders and junctions are followed: what they lead to is copied. A dst inside src is not copied into
+    /// itself. A src inside dst is deleted with it before it could be copied.
+    KELPKIT_API bool CopyFolder(const std::wstring& src, const std::wstring& dst);
+
+    /// Deletes a folder with everything in it, whatever is excluded. Returns false where folder is empty, else true, even
+    /// if it is missing or something stays: read-only files do, unlike with DeleteDirectory, and so does what is held
+    /// open, with the folders above. Links to folders and junctions are followed: what they lead to is emptied.
+    KELPKIT_API bool ClearFolder(const std::wstring& folder);
+
+private:
+    KELPKIT_API bool IsNoNeedFile(const std::wstring& path);
+    KELPKIT_API bool IsNoNeedFileExName(const std::wstring& path);
+    KELPKIT_API std::wstring GetFileType(const std::wstring& path);
+    KELPKIT_API int CopyNeedFile(const std::wstring& src, const std::wstring& dst);
+
+    void CopyTree(const std::wstring& src, const std::wstring& dst, const std::wstring& skipped);
+
+    std::set<std::wstring> m_setNoNeedFilePath;
+    std::set<std::wstring> m_setNoNeedFileExName;
+};
+
+/// A folder for a scope: made at its start, deleted at its end with everything in it, as by ClearFolder.
+///
+///     const CAutoCreateFolder folder(GetTempPathW() + L"work");
+class CAutoCreateFolder
+{
+public:
+    /// Makes the folder, if its parent is there. A folder that is there already is taken over, with what is in it.
+    /// Nothing tells whether it worked; CheckFolderExis does.
+    KELPKIT_API CAutoCreateFolder(const std::wstring& path); // NOLINT(google-explicit-constructor): by contract
+
+    /// Copies the path only. Each copy deletes the folder at its end; those after the first find nothing.
+    KELPKIT_API CAutoCreateFolder(const CAutoCreateFolder& other);
+
+    /// Takes over the path only: the folder that this object stood for is not deleted, nor is any made.
+    KELPKIT_API CAutoCreateFolder& operator=(const CAutoCreateFolder& other);
+
+    /// Deletes the folder, whoever made it. Read-only files stay, and so do files held open, with the folders above.
+    KELPKIT_API ~CAutoCreateFolder();
+
+private:
+    std::wstring m_strFolderPath;
+};
 
 } // namespace KELPKIT

@@ -1,0 +1,542 @@
+#include "support/FileContents.h"
+#include "support/FileHolder.h"
+#include "support/FolderLink.h"
+#include "support/FolderTree.h"
+#include "support/ImportPatch.h"
+#include "support/LastError.h"
+#include "support/TempFolder.h"
+
+#include <Kelpkit/Files.h>
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
+
+using namespace KELPKIT;
+using test::FileHolder;
+using test::ImportPatch;
+using test::ListTree;
+using test::MakeTree;
+using test::ReadFileBytes;
+using test::TempFolder;
+using test::WriteFileBytes;
+
+namespace
+{
+
+using Entries = std::vector<std::wstring>;
+
+bool Exists(const std::wstring& path)
+{
+    return ::GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+// What a copy of these entries holds with these exclusions.
+Entries CopiedWithout(const std::wstring& paths, const std::wstring& extensions, const Entries& entries)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"src", entries);
+    CFileFolderManageTool tool;
+    tool.SetNoNeedFilePath(paths);
+    tool.SetNoNeedFileExName(extensions);
+    EXPECT_TRUE(tool.CopyFolder(folder / L"src", folder / L"dst"));
+    return ListTree(folder / L"dst");
+}
+
+Entries CopiedWithoutExtensions(const std::wstring& extensions, const Entries& entries)
+{
+    return CopiedWithout(L"", extensions, entries);
+}
+
+// The calls that change files, as "function path [path]", while it lives; they are carried out, too. Paths are shown
+// without the folder that the test works in.
+class CallRecorder
+{
+public:
+    explicit CallRecorder(const TempFolder& folder)
+    {
+        s_prefix = folder / L"";
+        s_calls.clear();
+    }
+
+    static const Entries& Calls() { return s_calls; }
+
+private:
+    static std::wstring Short(const wchar_t* path)
+    {
+        const std::wstring text = path;
+        return text.compare(0, s_prefix.size(), s_prefix) == 0 ? text.substr(s_prefix.size()) : text;
+    }
+
+    static inline std::wstring s_prefix;
+    static inline Entries s_calls;
+
+    ImportPatch m_find{"FindFirstFileW", +[](const wchar_t* path, WIN32_FIND_DATAW* entry) {
+                           s_calls.push_back(L"find " + Short(path));
+                           return ::FindFirstFileW(path, entry);
+                       }};
+    ImportPatch m_create{"CreateDirectoryW", +[](const wchar_t* path, SECURITY_ATTRIBUTES* security) {
+                             s_calls.push_back(L"create " + Short(path));
+                             return ::CreateDirectoryW(path, security);
+                         }};
+    ImportPatch m_copy{"CopyFileW", +[](const wchar_t* from, const wchar_t* to, BOOL failIfThere) {
+                           s_calls.push_back(L"copy " + Short(from) + L" " + Short(to) + (failIfThere ? L"!" : L""));
+                           return ::CopyFileW(from, to, failIfThere);
+                       }};
+    ImportPatch m_delete{"DeleteFileW", +[](const wchar_t* path) {
+                             s_calls.push_back(L"delete " + Short(path));
+                             return ::DeleteFileW(path);
+                         }};
+    ImportPatch m_remove{"RemoveDirectoryW", +[](const wchar_t* path) {
+                             s_calls.push_back(L"remove " + Short(path));
+                             return ::RemoveDirectoryW(path);
+                         }};
+};
+
+// A tree of 300 folders in 30 and 5,000 files in them.
+void MakeLargeTree(const std::wstring& folder)
+{
+    Entries entries;
+    for (int i = 0; i < 30; ++i) {
+        const std::wstring top = L"部件 " + std::to_wstring(i) + L"\\";
+        entries.push_back(top);
+        for (int j = 0; j < 9; ++j)
+            entries.push_back(top + L"Sub" + std::to_wstring(j) + L"\\");
+    }
+    const Entries folders = entries;
+    for (int i = 0; i < 5000; ++i)
+        entries.push_back(folders[static_cast<std::size_t>(i) % folders.size()] + L"file" + std::to_wstring(i) +
+                          L".dat");
+    MakeTree(folder, entries);
+}
+
+} // namespace
+
+TEST(SetNoNeedFileExName, FoldsCaseAndLooksAtTheLastDot)
+{
+    EXPECT_EQ(CopiedWithoutExtensions(L"DLL$Pdb", {L"B.PDB", L"a.dll", L"a.dll.bak", L"c.Dll", L"dll"}),
+              (Entries{L"a.dll.bak", L"dll"}));
+}
+
+TEST(SetNoNeedFileExName, EntryWithALeadingDotExcludesNothing)
+{
+    EXPECT_EQ(CopiedWithoutExtensions(L".dll", {L"a.dll"}), Entries{L"a.dll"});
+}
+
+TEST(SetNoNeedFileExName, PathWithoutADotIsLookedUpWhole)
+{
+    // A working folder with a dot in its path would have another extension.
+    const TempFolder folder;
+    ASSERT_EQ(folder.Path().find(L'.'), std::wstring::npos);
+    MakeTree(folder / L"src", {L"README", L"other"});
+    CFileFolderManageTool tool;
+    tool.SetNoNeedFileExName(folder / L"SRC\\readme");
+    tool.CopyFolder(folder / L"src", folder / L"dst");
+    EXPECT_EQ(ListTree(folder / L"dst"), Entries{L"other"});
+}
+
+TEST(SetNoNeedFileExName, DotOfAFolderCounts)
+{
+    EXPECT_EQ(CopiedWithoutExtensions(L"d\\name", {L"a.d\\", L"a.d\\name", L"a.d\\other"}),
+              (Entries{L"a.d\\", L"a.d\\other"}));
+}
+
+TEST(SetNoNeedFileExName, SplitsAtEachDollarSign)
+{
+    const Entries entries = {L"2.a", L"3.b", L"4. b", L"5.a$b", L"none"};
+    const std::pair<const wchar_t*, Entries> cases[] = {
+        {L"", entries},
+        {L"a", {L"3.b", L"4. b", L"5.a$b", L"none"}},
+        {L"a$b", {L"4. b", L"5.a$b", L"none"}},
+        {L"a$b$", {L"4. b", L"5.a$b", L"none"}},
+        {L"$a", {L"3.b", L"4. b", L"5.a$b", L"none"}},
+        {L"a$$b", {L"4. b", L"5.a$b", L"none"}},
+        {L"$", entries},
+        {L"$$$", entries},
+        {L"a$ b", {L"3.b", L"5.a$b", L"none"}},
+    };
+    for (const auto& [list, copied] : cases)
+        EXPECT_EQ(CopiedWithoutExtensions(list, entries), copied) << testing::PrintToString(std::wstring(list));
+}
+
+TEST(SetNoNeedFileExName, DoesNotKeepAFolderFromBeingCopied)
+{
+    EXPECT_EQ(CopiedWithoutExtensions(L"tmp", {L"a.tmp\\", L"a.tmp\\file", L"a.tmp\\x.tmp"}),
+              (Entries{L"a.tmp\\", L"a.tmp\\file"}));
+}
+
+TEST(SetNoNeedFilePath, ExcludesAFolderWithAllThatIsInIt)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"Src", {L"Temp\\", L"Temp\\file", L"Temp\\sub\\", L"Temporary\\", L"Temporary\\file", L"file"});
+    CFileFolderManageTool tool;
+    tool.SetNoNeedFilePath(folder / L"SRC\\TEMP");
+    const CallRecorder recorder(folder);
+    EXPECT_TRUE(tool.CopyFolder(folder / L"Src", folder / L"dst"));
+    EXPECT_EQ(ListTree(folder / L"dst"), (Entries{L"Temporary\\", L"Temporary\\file", L"file"}));
+    for (const std::wstring& call : CallRecorder::Calls())
+        EXPECT_EQ(call.find(L"Temp\\"), std::wstring::npos) << testing::PrintToString(call);
+}
+
+TEST(SetNoNeedFilePath, ExcludesSingleFiles)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"src", {L"a", L"b", L"sub\\", L"sub\\a"});
+    CFileFolderManageTool tool;
+    tool.SetNoNeedFilePath(folder / L"src\\a$" + (folder / L"src\\missing"));
+    tool.CopyFolder(folder / L"src", folder / L"dst");
+    EXPECT_EQ(ListTree(folder / L"dst"), (Entries{L"b", L"sub\\", L"sub\\a"}));
+}
+
+TEST(SetNoNeedFilePath, EntriesOfSeveralCallsAddUp)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"src", {L"a", L"b", L"c"});
+    CFileFolderManageTool tool;
+    tool.SetNoNeedFilePath(folder / L"src\\a");
+    tool.SetNoNeedFilePath(folder / L"src\\b");
+    tool.SetNoNeedFilePath(folder / L"src\\a");
+    tool.CopyFolder(folder / L"src", folder / L"dst");
+    EXPECT_EQ(ListTree(folder / L"dst"), Entries{L"c"});
+}
+
+TEST(SetNoNeedFilePath, ComparesWholePathsAsTheyAreBuilt)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"src", {L"a.txt"});
+    for (const wchar_t* const entry :
+         {L"a.txt", L"src\\a.txt\\", L"src/a.txt", L"src\\a.*", L"src\\a.tx", L" src\\a.txt"}) {
+        CFileFolderManageTool tool;
+        tool.SetNoNeedFilePath(folder / entry);
+        tool.CopyFolder(folder / L"src", folder / L"dst");
+        EXPECT_EQ(ListTree(folder / L"dst"), Entries{L"a.txt"}) << testing::PrintToString(std::wstring(entry));
+    }
+}
+
+TEST(SetNoNeedFilePath, SourceWithATrailingBackslashBuildsDoubledOnes)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"src", {L"a", L"b"});
+    CFileFolderManageTool tool;
+    tool.SetNoNeedFilePath(folder / L"src\\a$" + (folder / L"src\\\\b"));
+    EXPECT_TRUE(tool.CopyFolder(folder / L"src\\", folder / L"dst"));
+    EXPECT_EQ(ListTree(folder / L"dst"), Entries{L"a"});
+}
+
+TEST(CFileFolderManageTool, CopiesTakeTheExclusionsAlong)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"src", {L"a.x", L"b.y", L"c.z"});
+    CFileFolderManageTool tool;
+    tool.SetNoNeedFileExName(L"x");
+    tool.SetNoNeedFilePath(folder / L"src\\b.y");
+    CFileFolderManageTool copy(tool);
+    copy.CopyFolder(folder / L"src", folder / L"dst");
+    EXPECT_EQ(ListTree(folder / L"dst"), Entries{L"c.z"});
+
+    CFileFolderManageTool assigned;
+    assigned.SetNoNeedFileExName(L"z");
+    assigned = tool;
+    assigned.CopyFolder(folder / L"src", folder / L"dst");
+    EXPECT_EQ(ListTree(folder / L"dst"), Entries{L"c.z"});
+}
+
+TEST(CopyFolder, CopiesATreeWithContents)
+{
+    const TempFolder folder;
+    const Entries entries = {L"Empty\\", L"a",           L"空 dir\\", L"空 dir\\\xD83D\xDE00.txt",
+                             L"sub\\",   L"sub\\deep\\", L"sub\\a",   L"sub\\deep\\b"};
+    MakeTree(folder / L"src", entries);
+    CFileFolderManageTool tool;
+    EXPECT_TRUE(tool.CopyFolder(folder / L"src", folder / L"dst"));
+    EXPECT_EQ(ListTree(folder / L"dst"), ListTree(folder / L"src"));
+    for (const std::wstring& entry : entries) {
+        if (entry.back() != L'\\') {
+            EXPECT_EQ(ReadFileBytes(folder / L"dst\\" + entry), ReadFileBytes(folder / L"src\\" + entry));
+        }
+    }
+}
+
+TEST(CopyFolder, TakesItsStepsInOrder)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"src", {L"sub\\", L"sub\\x"});
+    MakeTree(folder / L"dst", {L"old"});
+    const CallRecorder recorder(folder);
+    CFileFolderManageTool().CopyFolder(folder / L"src", folder / L"dst");
+    EXPECT_EQ(CallRecorder::Calls(), (Entries{
+                                         L"find dst\\*.*",
+                                         L"delete dst\\old",
+                                         L"remove dst",
+                                         L"create dst",
+                                         L"find src\\*.*",
+                                         L"find dst\\sub\\*.*",
+                                         L"remove dst\\sub",
+                                         L"create dst\\sub",
+                                         L"find src\\sub\\*.*",
+                                         L"copy src\\sub\\x dst\\sub\\x",
+                                         L"copy src\\sub dst\\sub",
+                                     }));
+}
+
+TEST(CopyFolder, RemovesWhatTheDestinationHeld)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"src", {L"a"});
+    MakeTree(folder / L"dst", {L"b.tmp", L"old\\", L"old\\c"});
+    CFileFolderManageTool tool;
+    tool.SetNoNeedFileExName(L"tmp");
+    tool.SetNoNeedFilePath(folder / L"dst\\old");
+    EXPECT_TRUE(tool.CopyFolder(folder / L"src", folder / L"dst"));
+    EXPECT_EQ(ListTree(folder / L"dst"), Entries{L"a"});
+}
+
+TEST(CopyFolder, IsFalseForAnEmptyArgumentAndTouchesNothing)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"dst", {L"a"});
+    CFileFolderManageTool tool;
+    EXPECT_FALSE(tool.CopyFolder(L"", folder / L"dst"));
+    EXPECT_FALSE(tool.CopyFolder(folder / L"dst", L""));
+    EXPECT_FALSE(tool.CopyFolder(std::wstring(L"\0x", 2), folder / L"dst"));
+    EXPECT_EQ(ListTree(folder / L"dst"), Entries{L"a"});
+}
+
+TEST(CopyFolder, IsFalseForAnExcludedSourceAndTouchesNothing)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"src", {L"a"});
+    MakeTree(folder / L"dst", {L"b"});
+    CFileFolderManageTool tool;
+    tool.SetNoNeedFilePath(folder / L"SRC");
+    EXPECT_FALSE(tool.CopyFolder(folder / L"src", folder / L"dst"));
+    EXPECT_EQ(ListTree(folder / L"dst"), Entries{L"b"});
+}
+
+TEST(CopyFolder, IsTrueForAMissingSourceAndLeavesAnEmptyDestination)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"dst", {L"a"});
+    EXPECT_TRUE(CFileFolderManageTool().CopyFolder(folder / L"missing", folder / L"dst"));
+    EXPECT_TRUE(Exists(folder / L"dst"));
+    EXPECT_EQ(ListTree(folder / L"dst"), Entries{});
+}
+
+TEST(CopyFolder, MakesOneLevelOnly)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"src", {L"a"});
+    EXPECT_TRUE(CFileFolderManageTool().CopyFolder(folder / L"src", folder / L"no\\parent"));
+    EXPECT_FALSE(Exists(folder / L"no"));
+}
+
+TEST(CopyFolder, CopiesEverythingElseWhereAFileIsHeldOpen)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"src", {L"a\\", L"a\\1", L"a\\held", L"a\\x\\", L"a\\x\\2", L"b\\", L"b\\3"});
+    const FileHolder holder(folder / L"src\\a\\held", GENERIC_READ, 0);
+    EXPECT_TRUE(CFileFolderManageTool().CopyFolder(folder / L"src", folder / L"dst"));
+    EXPECT_EQ(ListTree(folder / L"dst"), (Entries{L"a\\", L"a\\1", L"a\\x\\", L"a\\x\\2", L"b\\", L"b\\3"}));
+}
+
+TEST(CopyFolder, CopiesReadOnlyHiddenEmptyAndLargeFiles)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"src", {L"readonly", L"hidden"});
+    WriteFileBytes(folder / L"src\\empty", "");
+    test::MakeSparseFile(folder / L"src\\large", 300LL << 20);
+    ::SetFileAttributesW((folder / L"src\\readonly").c_str(), FILE_ATTRIBUTE_READONLY);
+    ::SetFileAttributesW((folder / L"src\\hidden").c_str(), FILE_ATTRIBUTE_HIDDEN);
+    EXPECT_TRUE(CFileFolderManageTool().CopyFolder(folder / L"src", folder / L"dst"));
+    EXPECT_EQ(ListTree(folder / L"dst"), (Entries{L"empty", L"hidden", L"large", L"readonly"}));
+    EXPECT_EQ(GetFileSize(folder / L"dst\\large"), 300 << 20);
+    EXPECT_EQ(GetFileSize(folder / L"dst\\empty"), 0);
+    EXPECT_NE(::GetFileAttributesW((folder / L"dst\\readonly").c_str()) & FILE_ATTRIBUTE_READONLY, 0U);
+}
+
+TEST(CopyFolder, IsTrueWhereAReadOnlyFileStaysInTheDestination)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"src", {L"a"});
+    MakeTree(folder / L"dst", {L"readonly"});
+    ::SetFileAttributesW((folder / L"dst\\readonly").c_str(), FILE_ATTRIBUTE_READONLY);
+    EXPECT_TRUE(CFileFolderManageTool().CopyFolder(folder / L"src", folder / L"dst"));
+    EXPECT_EQ(ListTree(folder / L"dst"), (Entries{L"a", L"readonly"}));
+}
+
+TEST(CopyFolder, CopiesPathsUpToTheLimitOfOrdinaryOnes)
+{
+    const TempFolder folder;
+    Entries entries;
+    std::wstring path;
+    while (folder.Path().size() + 5 + path.size() + 31 < 230) {
+        path += std::wstring(30, L'长') + L"\\";
+        entries.push_back(path);
+    }
+    entries.push_back(path + std::wstring(258 - (folder.Path().size() + 5 + path.size()), L'x'));
+    MakeTree(folder / L"src", entries);
+    EXPECT_TRUE(CFileFolderManageTool().CopyFolder(folder / L"src", folder / L"dst"));
+    EXPECT_EQ(ListTree(folder / L"dst"), ListTree(folder / L"src"));
+    CFileFolderManageTool().ClearFolder(folder / L"dst");
+    EXPECT_FALSE(Exists(folder / L"dst"));
+}
+
+TEST(CopyFolder, CopiesATreeOf5000FilesIn300Folders)
+{
+    const TempFolder folder;
+    MakeLargeTree(folder / L"src");
+    CFileFolderManageTool tool;
+    tool.SetNoNeedFilePath(folder / L"src\\部件 7");
+    tool.SetNoNeedFileExName(L"pdb");
+    EXPECT_TRUE(tool.CopyFolder(folder / L"src", folder / L"dst"));
+    Entries expected = ListTree(folder / L"src");
+    expected.erase(std::remove_if(expected.begin(), expected.end(),
+                                  [](const std::wstring& entry) { return entry.compare(0, 5, L"部件 7\\") == 0; }),
+                   expected.end());
+    EXPECT_TRUE(ListTree(folder / L"dst") == expected);
+    EXPECT_TRUE(tool.ClearFolder(folder / L"dst"));
+    EXPECT_FALSE(Exists(folder / L"dst"));
+}
+
+TEST(CopyFolder, CopiesThirtyLevels)
+{
+    const TempFolder folder;
+    Entries entries;
+    for (std::wstring path; entries.size() < 60;) {
+        path += L"d\\";
+        entries.push_back(path);
+        entries.push_back(path + L"f");
+    }
+    MakeTree(folder / L"src", entries);
+    CFileFolderManageTool tool;
+    EXPECT_TRUE(tool.CopyFolder(folder / L"src", folder / L"dst"));
+    EXPECT_EQ(ListTree(folder / L"dst"), ListTree(folder / L"src"));
+}
+
+TEST(CopyFolder, DestinationInsideTheSourceIsNotCopiedIntoItself)
+{
+    const TempFolder folder;
+    for (const wchar_t* const source : {L"src", L"SRC", L"src\\"}) {
+        CFileFolderManageTool().ClearFolder(folder / L"src");
+        MakeTree(folder / L"src", {L"a", L"sub\\", L"sub\\b"});
+        EXPECT_TRUE(CFileFolderManageTool().CopyFolder(folder / source, folder / L"src\\sub\\copy"));
+        EXPECT_EQ(ListTree(folder / L"src"), (Entries{L"a", L"sub\\", L"sub\\b", L"sub\\copy\\", L"sub\\copy\\a",
+                                                      L"sub\\copy\\sub\\", L"sub\\copy\\sub\\b"}));
+    }
+}
+
+TEST(CopyFolder, SourceInsideTheDestinationIsDeletedWithIt)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"dst", {L"a", L"src\\", L"src\\b"});
+    EXPECT_TRUE(CFileFolderManageTool().CopyFolder(folder / L"dst\\src", folder / L"dst"));
+    EXPECT_TRUE(Exists(folder / L"dst"));
+    EXPECT_EQ(ListTree(folder / L"dst"), Entries{});
+}
+
+TEST(CopyFolder, FolderOntoItselfIsEmptied)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"src", {L"a"});
+    EXPECT_TRUE(CFileFolderManageTool().CopyFolder(folder / L"src", folder / L"src"));
+    EXPECT_EQ(ListTree(folder / L"src"), Entries{});
+}
+
+TEST(CopyFolder, FollowsAFolderLink)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"elsewhere", {L"x"});
+    MakeTree(folder / L"src", {L"a"});
+    const test::FolderLink link(folder / L"src\\link", folder / L"elsewhere");
+    EXPECT_TRUE(CFileFolderManageTool().CopyFolder(folder / L"src", folder / L"dst"));
+    EXPECT_EQ(ListTree(folder / L"dst"), (Entries{L"a", L"link\\", L"link\\x"}));
+    EXPECT_EQ(ListTree(folder / L"elsewhere"), Entries{L"x"});
+}
+
+TEST(CopyFolder, EndsForAFolderLinkToItsOwnParent)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"src", {L"a"});
+    const test::FolderLink link(folder / L"src\\link", folder / L"src");
+    EXPECT_TRUE(CFileFolderManageTool().CopyFolder(folder / L"src", folder / L"dst"));
+    EXPECT_TRUE(Exists(folder / L"dst\\link\\a"));
+}
+
+TEST(CopyFolder, TextBehindAZeroCharacterDoesNotCount)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"src", {L"a"});
+    CFileFolderManageTool tool;
+    EXPECT_TRUE(tool.CopyFolder(folder / std::wstring(L"src\0x", 5), folder / std::wstring(L"dst\0x", 5)));
+    EXPECT_EQ(ListTree(folder / L"dst"), Entries{L"a"});
+    EXPECT_TRUE(tool.ClearFolder(folder / std::wstring(L"dst\0x", 5)));
+    EXPECT_FALSE(Exists(folder / L"dst"));
+}
+
+TEST(ClearFolder, DeletesTheFolderWithEverythingInIt)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"top", {L"a", L"sub\\", L"sub\\b", L"sub\\deep\\", L"sub\\deep\\模型"});
+    CFileFolderManageTool tool;
+    tool.SetNoNeedFileExName(L"b");
+    tool.SetNoNeedFilePath(folder / L"top\\a");
+    EXPECT_TRUE(tool.ClearFolder(folder / L"top"));
+    EXPECT_FALSE(Exists(folder / L"top"));
+}
+
+TEST(ClearFolder, TakesItsStepsInOrder)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"top", {L"sub\\", L"sub\\x"});
+    const CallRecorder recorder(folder);
+    CFileFolderManageTool().ClearFolder(folder / L"top");
+    EXPECT_EQ(CallRecorder::Calls(), (Entries{
+                                         L"find top\\*.*",
+                                         L"find top\\sub\\*.*",
+                                         L"delete top\\sub\\x",
+                                         L"remove top\\sub",
+                                         L"delete top\\sub",
+                                         L"remove top",
+                                     }));
+}
+
+TEST(ClearFolder, IsFalseForAnEmptyArgumentOnly)
+{
+    const TempFolder folder;
+    EXPECT_FALSE(CFileFolderManageTool().ClearFolder(L""));
+    EXPECT_FALSE(CFileFolderManageTool().ClearFolder(std::wstring(L"\0x", 2)));
+    EXPECT_TRUE(CFileFolderManageTool().ClearFolder(folder / L"missing"));
+}
+
+TEST(ClearFolder, KeepsReadOnlyFilesAndTheirFolders)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"top", {L"a", L"sub\\", L"sub\\readonly", L"sub\\b", L"other\\", L"other\\c"});
+    ::SetFileAttributesW((folder / L"top\\sub\\readonly").c_str(), FILE_ATTRIBUTE_READONLY);
+    EXPECT_TRUE(CFileFolderManageTool().ClearFolder(folder / L"top"));
+    EXPECT_EQ(ListTree(folder / L"top"), (Entries{L"sub\\", L"sub\\readonly"}));
+}
+
+TEST(ClearFolder, KeepsWhatIsHeldOpen)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"top", {L"a", L"held", L"z"});
+    const FileHolder holder(folder / L"top\\held", GENERIC_READ, FILE_SHARE_READ);
+    EXPECT_TRUE(CFileFolderManageTool().ClearFolder(folder / L"top"));
+    EXPECT_EQ(ListTree(folder / L"top"), Entries{L"held"});
+}
+
+TEST(ClearFolder, FollowsAFolderLinkAndEmptiesWhatItLeadsTo)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"elsewhere", {L"x"});
+    MakeTree(folder / L"top", {});
+    const test::FolderLink link(folder / L"top\\link", folder / L"elsewhere");
+    EXPECT_TRUE(CFileFolderManageTool().ClearFolder(folder / L"top"));
+    EXPECT_FALSE(Exists(folder / L"elsewhere\\x"));
+}
