@@ -17,7 +17,7 @@ namespace
 class Rational
 {
 public:
-    Rational(long long numerator, long long denominator = 1)
+    explicit Rational(long long numerator, long long denominator = 1)
     {
         const long long divisor = std::gcd(numerator, denominator);
         m_numerator = numerator / divisor;
@@ -26,11 +26,12 @@ public:
 
     friend Rational operator*(Rational a, Rational b)
     {
-        return {a.m_numerator * b.m_numerator, a.m_denominator * b.m_denominator};
+        return Rational(a.m_numerator * b.m_numerator, a.m_denominator * b.m_denominator);
     }
     friend Rational operator-(Rational a, Rational b)
     {
-        return {a.m_numerator * b.m_denominator - b.m_numerator * a.m_denominator, a.m_denominator * b.m_denominator};
+        return Rational(a.m_numerator * b.m_denominator - b.m_numerator * a.m_denominator,
+                        a.m_denominator * b.m_denominator);
     }
 
     // Towards zero.
@@ -61,7 +62,7 @@ COLORREF ModelColor(int index)
     static const COLORREF named[] = {0x0000FF, 0x00FFFF, 0x00FF00, 0xFFFF00, 0xFF0000,
                                      0xFF00FF, 0xFFFFFF, 0x808080, 0xC0C0C0};
     static const COLORREF greys[] = {0x333333, 0x5B5B5B, 0x848484, 0xADADAD, 0xD6D6D6, 0xFFFFFF};
-    static const Rational values[] = {{1}, {4, 5}, {3, 5}, {1, 2}, {3, 10}};
+    static const Rational values[] = {Rational(1), Rational(4, 5), Rational(3, 5), Rational(1, 2), Rational(3, 10)};
     if (index < 10)
         return named[index - 1];
     if (index >= 250)

@@ -7,8 +7,8 @@
 
 #include <windows.h>
 
+#include <clocale>
 #include <cwctype>
-#include <locale.h>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -138,11 +138,11 @@ TEST(RGBColorToREF, RandomTextsAreReadByTheSplittersRule)
 
 TEST(RGBColorToREF, DoesNotDependOnTheLocale)
 {
-    const std::string before = ::setlocale(LC_ALL, nullptr);
-    ASSERT_NE(::setlocale(LC_ALL, ""), nullptr);
+    const std::string before = std::setlocale(LC_ALL, nullptr);
+    ASSERT_NE(std::setlocale(LC_ALL, ""), nullptr);
     EXPECT_EQ(RGBColorToREF(L"1.000,2,3"), 0x030201U);
     EXPECT_EQ(REFColorToRGB(0xFF8000), L"0,128,255");
-    ::setlocale(LC_ALL, before.c_str());
+    std::setlocale(LC_ALL, before.c_str());
 }
 
 TEST(REFColorToRGB, WritesThreeNumbers)

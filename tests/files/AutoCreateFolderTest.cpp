@@ -85,7 +85,7 @@ TEST(CAutoCreateFolder, CopyMakesNoFolder)
     const TempFolder folder;
     const CAutoCreateFolder scoped(folder / L"top");
     ::RemoveDirectoryW((folder / L"top").c_str());
-    const CAutoCreateFolder copy(scoped);
+    const CAutoCreateFolder copy(scoped); // NOLINT(performance-unnecessary-copy-initialization): it is the test
     EXPECT_FALSE(CheckFolderExis(folder / L"top"));
 }
 

@@ -30,9 +30,9 @@ void List(const std::wstring& folder, const std::wstring& prefix, std::vector<st
         if (name == L"." || name == L"..")
             continue;
         if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
-            entries.push_back(prefix + name);
+            entries.push_back(std::wstring(prefix).append(name));
         } else {
-            const std::wstring path = prefix + name + L"\\";
+            const std::wstring path = std::wstring(prefix).append(name).append(L"\\");
             entries.push_back(path);
             List(folder + L"\\" + name, path, entries);
         }

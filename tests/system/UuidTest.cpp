@@ -103,6 +103,7 @@ TEST(GenerateUUID, EightThreadsAtOnceGetDistinctOnes)
 {
     std::vector<std::vector<std::wstring>> results(8);
     std::vector<std::thread> threads;
+    threads.reserve(results.size());
     for (std::vector<std::wstring>& result : results) {
         threads.emplace_back([&result] {
             for (int i = 0; i < 1000; ++i)

@@ -195,10 +195,10 @@ TEST(BuildMd5Code, ManyThreadsDigestAtOnce)
 {
     std::vector<std::thread> threads;
     std::vector<int> wrong(8);
-    for (std::size_t i = 0; i < wrong.size(); ++i) {
-        threads.emplace_back([i, &wrong] {
+    for (int& count : wrong) {
+        threads.emplace_back([&count] {
             for (int round = 0; round < 2000; ++round)
-                wrong[i] += Digest(std::string("abc")) != "900150983cd24fb0d6963f7d28e17f72";
+                count += Digest(std::string("abc")) != "900150983cd24fb0d6963f7d28e17f72";
         });
     }
     for (std::thread& thread : threads)
