@@ -45,12 +45,12 @@ void List(const std::wstring& folder, const std::wstring& prefix, std::vector<st
 void MakeTree(const std::wstring& folder, const std::vector<std::wstring>& entries)
 {
     MakeFolder(folder);
+    const std::wstring prefix = folder + L"\\";
     for (const std::wstring& entry : entries) {
         if (entry.back() == L'\\')
-            MakeFolder(folder + L"\\" + entry);
+            MakeFolder(prefix + entry);
         else
-            WriteFileBytes(folder + L"\\" + entry,
-                           std::string(reinterpret_cast<const char*>(entry.data()), entry.size() * 2));
+            WriteFileBytes(prefix + entry, std::string(reinterpret_cast<const char*>(entry.data()), entry.size() * 2));
     }
 }
 

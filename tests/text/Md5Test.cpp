@@ -195,6 +195,7 @@ TEST(BuildMd5Code, ManyThreadsDigestAtOnce)
 {
     std::vector<std::thread> threads;
     std::vector<int> wrong(8);
+    threads.reserve(wrong.size());
     for (int& count : wrong) {
         threads.emplace_back([&count] {
             for (int round = 0; round < 2000; ++round)
