@@ -113,6 +113,7 @@ public:
     KELPKIT_API bool ClearFolder(const std::wstring& folder);
 
 private:
+    // Exported with the rest of the class.
     KELPKIT_API bool IsNoNeedFile(const std::wstring& path);
     KELPKIT_API bool IsNoNeedFileExName(const std::wstring& path);
     KELPKIT_API std::wstring GetFileType(const std::wstring& path);
