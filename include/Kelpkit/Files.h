@@ -119,7 +119,8 @@ private:
     KELPKIT_API std::wstring GetFileType(const std::wstring& path);
     KELPKIT_API int CopyNeedFile(const std::wstring& src, const std::wstring& dst);
 
-    void CopyTree(const std::wstring& src, const std::wstring& dst, const std::wstring& skipped);
+    struct FolderIdentity;
+    void CopyEntries(const std::wstring& src, const std::wstring& dst, const FolderIdentity& destination);
 
     std::set<std::wstring> m_setNoNeedFilePath;
     std::set<std::wstring> m_setNoNeedFileExName;

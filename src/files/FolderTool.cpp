@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <locale>
+#include <memory>
 
 namespace KELPKIT
 {
@@ -32,12 +33,6 @@ bool Holds(const std::set<std::wstring>& lowerCase, const std::wstring& text)
     return !lowerCase.empty() && lowerCase.count(LowerCase(text)) != 0;
 }
 
-bool IsSamePath(const std::wstring& a, const std::wstring& b)
-{
-    return a.size() == b.size() && ::CompareStringOrdinal(a.data(), static_cast<int>(a.size()), b.data(),
-                                                          static_cast<int>(b.size()), TRUE) == CSTR_EQUAL;
-}
-
 void ClearTree(const std::wstring& folder)
 {
     ForEachEntry(folder + L"\\*.*", [&](const std::wstring& name, bool isFolder) {
@@ -50,25 +45,42 @@ void ClearTree(const std::wstring& folder)
     ::RemoveDirectoryW(folder.c_str());
 }
 
-// Without a trailing backslash.
-std::wstring FullPath(const std::wstring& path)
+// Makes an empty folder in the place of whatever folder is there.
+void MakeAnew(const std::wstring& folder)
 {
-    std::wstring full(::GetFullPathNameW(path.c_str(), 0, nullptr, nullptr), L'\0');
-    full.resize(::GetFullPathNameW(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
-    return full.substr(0, full.find_last_not_of(L'\\') + 1);
+    ClearTree(folder);
+    ::CreateDirectoryW(folder.c_str(), nullptr);
 }
 
-// The path by which a walk through src meets dst; empty where dst is not inside src.
-std::wstring PathInside(const std::wstring& src, const std::wstring& dst)
-{
-    const std::wstring source = FullPath(src) + L'\\';
-    const std::wstring destination = FullPath(dst);
-    if (destination.size() <= source.size() || !IsSamePath(destination.substr(0, source.size()), source))
-        return {};
-    return src + L'\\' + destination.substr(source.size());
-}
+struct HandleCloser {
+    void operator()(HANDLE handle) const { ::CloseHandle(handle); }
+};
 
 } // namespace
+
+// What makes a folder itself, by whatever path it is reached.
+struct CFileFolderManageTool::FolderIdentity {
+    explicit FolderIdentity(const std::wstring& path)
+    {
+        constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+        const HANDLE handle =
+            ::CreateFileW(path.c_str(), 0, kShareAll, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+        if (handle == INVALID_HANDLE_VALUE)
+            return;
+        const std::unique_ptr<void, HandleCloser> closer(handle);
+        isKnown = ::GetFileInformationByHandle(handle, &information) != FALSE;
+    }
+
+    bool operator==(const FolderIdentity& other) const
+    {
+        return isKnown && other.isKnown && information.dwVolumeSerialNumber == other.information.dwVolumeSerialNumber &&
+               information.nFileIndexHigh == other.information.nFileIndexHigh &&
+               information.nFileIndexLow == other.information.nFileIndexLow;
+    }
+
+    bool isKnown = false;
+    BY_HANDLE_FILE_INFORMATION information = {};
+};
 
 CFileFolderManageTool::CFileFolderManageTool() = default;
 CFileFolderManageTool::CFileFolderManageTool(const CFileFolderManageTool&) = default;
@@ -91,7 +103,8 @@ bool CFileFolderManageTool::CopyFolder(const std::wstring& src, const std::wstri
     const std::wstring destination = UpToZero(dst);
     if (source.empty() || destination.empty() || IsNoNeedFile(source))
         return false;
-    CopyTree(source, destination, PathInside(source, destination));
+    MakeAnew(destination);
+    CopyEntries(source, destination, FolderIdentity(destination));
     return true;
 }
 
@@ -127,18 +140,20 @@ int CFileFolderManageTool::CopyNeedFile(const std::wstring& src, const std::wstr
     return ::CopyFileW(src.c_str(), dst.c_str(), FALSE);
 }
 
-void CFileFolderManageTool::CopyTree(const std::wstring& src, const std::wstring& dst, const std::wstring& skipped)
+void CFileFolderManageTool::CopyEntries(const std::wstring& src, const std::wstring& dst,
+                                        const FolderIdentity& destination)
 {
-    ClearTree(dst);
-    ::CreateDirectoryW(dst.c_str(), nullptr);
     ForEachEntry(src + L"\\*.*", [&](const std::wstring& name, bool isFolder) {
         const std::wstring srcPath = src + L'\\' + name;
-        if (IsNoNeedFile(srcPath) || IsSamePath(srcPath, skipped))
+        if (IsNoNeedFile(srcPath))
             return;
         const std::wstring dstPath = dst + L'\\' + name;
-        if (isFolder)
-            CopyTree(srcPath, dstPath, skipped);
-        // The same here.
+        // The destination may be in the source: copied into itself, it would end only where paths do.
+        if (isFolder && !(FolderIdentity(srcPath) == destination)) {
+            MakeAnew(dstPath);
+            CopyEntries(srcPath, dstPath, destination);
+        }
+        // By contract for a folder, too, where it fails.
         if (!IsNoNeedFileExName(srcPath))
             ::CopyFileW(srcPath.c_str(), dstPath.c_str(), FALSE);
     });

@@ -430,6 +430,18 @@ TEST(CopyFolder, DestinationInsideTheSourceIsNotCopiedIntoItself)
     }
 }
 
+TEST(CopyFolder, DestinationInsideTheSourceIsKnownByAnotherPath)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"src", {L"a", L"sub\\"});
+    const test::FolderLink alias(folder / L"alias", folder / L"src");
+    const Entries expected = {L"a", L"sub\\", L"sub\\copy\\", L"sub\\copy\\a", L"sub\\copy\\sub\\"};
+    EXPECT_TRUE(CFileFolderManageTool().CopyFolder(L"\\\\?\\" + (folder / L"src"), folder / L"src\\sub\\copy"));
+    EXPECT_EQ(ListTree(folder / L"src"), expected);
+    EXPECT_TRUE(CFileFolderManageTool().CopyFolder(folder / L"src", folder / L"alias\\sub\\copy"));
+    EXPECT_EQ(ListTree(folder / L"src"), expected);
+}
+
 TEST(CopyFolder, SourceInsideTheDestinationIsDeletedWithIt)
 {
     const TempFolder folder;
