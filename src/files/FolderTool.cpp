@@ -124,7 +124,7 @@ bool CFileFolderManageTool::IsNoNeedFile(const std::wstring& path)
 
 bool CFileFolderManageTool::IsNoNeedFileExName(const std::wstring& path)
 {
-    return !m_setNoNeedFileExName.empty() && Holds(m_setNoNeedFileExName, GetFileType(path));
+    return Holds(m_setNoNeedFileExName, GetFileType(path));
 }
 
 std::wstring CFileFolderManageTool::GetFileType(const std::wstring& path)
