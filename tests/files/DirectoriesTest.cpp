@@ -1,7 +1,8 @@
+#include "support/FileCallRecorder.h"
 #include "support/FileContents.h"
 #include "support/FileHolder.h"
 #include "support/FolderLink.h"
-#include "support/ImportPatch.h"
+#include "support/FolderTree.h"
 #include "support/LastError.h"
 #include "support/TempFolder.h"
 
@@ -15,58 +16,11 @@
 #include <vector>
 
 using namespace KELPKIT;
+using test::Exists;
+using test::FileCallRecorder;
 using test::FileHolder;
-using test::ImportPatch;
 using test::TempFolder;
 using test::WriteFileBytes;
-
-namespace
-{
-
-bool Exists(const std::wstring& path)
-{
-    return ::GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
-}
-
-// The calls that reach the file system, as "function path", while it lives; they are carried out, too.
-class CallRecorder
-{
-public:
-    CallRecorder() { s_calls.clear(); }
-
-    static const std::vector<std::wstring>& Calls() { return s_calls; }
-
-private:
-    static void Note(const wchar_t* function, const std::wstring& path)
-    {
-        s_calls.push_back(std::wstring(function) + L" " + path);
-    }
-
-    static inline std::vector<std::wstring> s_calls;
-
-    ImportPatch m_find{"FindFirstFileW", +[](const wchar_t* path, WIN32_FIND_DATAW* entry) {
-                           Note(L"find", path);
-                           return ::FindFirstFileW(path, entry);
-                       }};
-    ImportPatch m_create{"CreateDirectoryW", +[](const wchar_t* path, SECURITY_ATTRIBUTES* security) {
-                             Note(security == nullptr ? L"create" : L"create with attributes", path);
-                             return ::CreateDirectoryW(path, security);
-                         }};
-    ImportPatch m_attributes{"SetFileAttributesW", +[](const wchar_t* path, DWORD attributes) {
-                                 Note(attributes == FILE_ATTRIBUTE_NORMAL ? L"normal" : L"attributes", path);
-                                 return ::SetFileAttributesW(path, attributes);
-                             }};
-    ImportPatch m_delete{"DeleteFileW", +[](const wchar_t* path) {
-                             Note(L"delete", path);
-                             return ::DeleteFileW(path);
-                         }};
-    ImportPatch m_remove{"RemoveDirectoryW", +[](const wchar_t* path) {
-                             Note(L"remove", path);
-                             return ::RemoveDirectoryW(path);
-                         }};
-};
-
-} // namespace
 
 TEST(MakeDirectory, ReturnsFalseWhenTheFirstAttemptCreates)
 {
@@ -101,11 +55,11 @@ TEST(MakeDirectory, Makes30LevelsWithForeignNames)
 
 TEST(MakeDirectory, RefusesTheRootAndShorterPathsUntouched)
 {
-    const CallRecorder recorder;
+    const FileCallRecorder recorder;
     for (const wchar_t* const path : {L"", L"C", L"C:", L"C:\\", L"abc", L"..", L"Q:\\"})
         EXPECT_FALSE(MakeDirectory(path));
     EXPECT_FALSE(MakeDirectory(std::wstring(L"C:\\\0longer", 10)));
-    EXPECT_EQ(CallRecorder::Calls(), std::vector<std::wstring>());
+    EXPECT_EQ(FileCallRecorder::Calls(), std::vector<std::wstring>());
 }
 
 TEST(MakeDirectory, TakesATrailingBackslashAsItStands)
@@ -145,18 +99,18 @@ TEST(MakeDirectory, ReturnsTrueThoughNothingCouldBeMade)
 
 TEST(MakeDirectory, LeavesAForwardSlashToTheSystem)
 {
-    const CallRecorder recorder;
+    const FileCallRecorder recorder;
     EXPECT_FALSE(MakeDirectory(L"Q:/one/two"));
-    EXPECT_EQ(CallRecorder::Calls(), (std::vector<std::wstring>{L"find Q:/one/two", L"create Q:/one/two"}));
+    EXPECT_EQ(FileCallRecorder::Calls(), (std::vector<std::wstring>{L"find Q:/one/two", L"create Q:/one/two"}));
 }
 
 TEST(MakeDirectory, TriesEachLevelUpwardsAndThenDownAgain)
 {
     const TempFolder folder;
-    const CallRecorder recorder;
+    const FileCallRecorder recorder;
     const std::wstring& top = folder.Path();
     EXPECT_TRUE(MakeDirectory(top + L"\\a\\b\\c"));
-    EXPECT_EQ(CallRecorder::Calls(),
+    EXPECT_EQ(FileCallRecorder::Calls(),
               (std::vector<std::wstring>{L"find " + top + L"\\a\\b\\c", L"create " + top + L"\\a\\b\\c",
                                          L"find " + top + L"\\a\\b", L"create " + top + L"\\a\\b",
                                          L"find " + top + L"\\a", L"create " + top + L"\\a", // this one succeeds
@@ -242,18 +196,18 @@ TEST(DeleteDirectory, ReturnsFalseForAFileAndLeavesIt)
 
 TEST(DeleteDirectory, RefusesTheRootAndShorterPathsUntouched)
 {
-    const CallRecorder recorder;
+    const FileCallRecorder recorder;
     for (const wchar_t* const path : {L"", L"C", L"C:", L"C:\\", L".", L"..", L"..\\", L"\\", L"Q:\\"})
         EXPECT_FALSE(DeleteDirectory(path));
-    EXPECT_EQ(CallRecorder::Calls(), std::vector<std::wstring>());
+    EXPECT_EQ(FileCallRecorder::Calls(), std::vector<std::wstring>());
 }
 
 TEST(DeleteDirectory, RefusesARootWithAZeroBehindIt)
 {
     // To the system the path ends there, so it must not count as longer.
-    const CallRecorder recorder;
+    const FileCallRecorder recorder;
     EXPECT_FALSE(DeleteDirectory(std::wstring(L"Q:\\\0longer", 10)));
-    EXPECT_EQ(CallRecorder::Calls(), std::vector<std::wstring>());
+    EXPECT_EQ(FileCallRecorder::Calls(), std::vector<std::wstring>());
 }
 
 TEST(DeleteDirectory, AlwaysAppendsABackslash)
@@ -262,9 +216,9 @@ TEST(DeleteDirectory, AlwaysAppendsABackslash)
     const std::wstring top = folder / L"top";
     MakeDirectory(top + L"\\sub");
     WriteFileBytes(top + L"\\sub\\file", "x");
-    const CallRecorder recorder;
+    const FileCallRecorder recorder;
     EXPECT_TRUE(DeleteDirectory(top));
-    EXPECT_EQ(CallRecorder::Calls(),
+    EXPECT_EQ(FileCallRecorder::Calls(),
               (std::vector<std::wstring>{L"find " + top + L"\\*.*", L"normal " + top + L"\\sub\\",
                                          L"find " + top + L"\\sub\\\\*.*", L"normal " + top + L"\\sub\\\\file",
                                          L"delete " + top + L"\\sub\\\\file", L"remove " + top + L"\\sub\\\\",
@@ -286,9 +240,9 @@ TEST(DeleteDirectory, PassesALongPathOnAsItStands)
     const std::wstring top = L"\\\\?\\" + (folder / L"top");
     MakeDirectory(top);
     WriteFileBytes(top + L"\\file", "x");
-    const CallRecorder recorder;
+    const FileCallRecorder recorder;
     EXPECT_TRUE(DeleteDirectory(top)) << test::LastErrorText();
-    EXPECT_EQ(CallRecorder::Calls(),
+    EXPECT_EQ(FileCallRecorder::Calls(),
               (std::vector<std::wstring>{L"find " + top + L"\\*.*", L"normal " + top + L"\\file",
                                          L"delete " + top + L"\\file", L"remove " + top + L"\\"}));
 }

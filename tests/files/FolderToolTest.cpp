@@ -1,8 +1,8 @@
+#include "support/FileCallRecorder.h"
 #include "support/FileContents.h"
 #include "support/FileHolder.h"
 #include "support/FolderLink.h"
 #include "support/FolderTree.h"
-#include "support/ImportPatch.h"
 #include "support/LastError.h"
 #include "support/TempFolder.h"
 
@@ -18,8 +18,9 @@
 #include <vector>
 
 using namespace KELPKIT;
+using test::Exists;
+using test::FileCallRecorder;
 using test::FileHolder;
-using test::ImportPatch;
 using test::ListTree;
 using test::MakeTree;
 using test::ReadFileBytes;
@@ -30,11 +31,6 @@ namespace
 {
 
 using Entries = std::vector<std::wstring>;
-
-bool Exists(const std::wstring& path)
-{
-    return ::GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
-}
 
 // What a copy of these entries holds with these exclusions.
 Entries CopiedWithout(const std::wstring& paths, const std::wstring& extensions, const Entries& entries)
@@ -52,51 +48,6 @@ Entries CopiedWithoutExtensions(const std::wstring& extensions, const Entries& e
 {
     return CopiedWithout(L"", extensions, entries);
 }
-
-// The calls that change files, as "function path [path]", while it lives; they are carried out, too. Paths are shown
-// without the folder that the test works in.
-class CallRecorder
-{
-public:
-    explicit CallRecorder(const TempFolder& folder)
-    {
-        s_prefix = folder / L"";
-        s_calls.clear();
-    }
-
-    static const Entries& Calls() { return s_calls; }
-
-private:
-    static std::wstring Short(const wchar_t* path)
-    {
-        const std::wstring text = path;
-        return text.compare(0, s_prefix.size(), s_prefix) == 0 ? text.substr(s_prefix.size()) : text;
-    }
-
-    static inline std::wstring s_prefix;
-    static inline Entries s_calls;
-
-    ImportPatch m_find{"FindFirstFileW", +[](const wchar_t* path, WIN32_FIND_DATAW* entry) {
-                           s_calls.push_back(L"find " + Short(path));
-                           return ::FindFirstFileW(path, entry);
-                       }};
-    ImportPatch m_create{"CreateDirectoryW", +[](const wchar_t* path, SECURITY_ATTRIBUTES* security) {
-                             s_calls.push_back(L"create " + Short(path));
-                             return ::CreateDirectoryW(path, security);
-                         }};
-    ImportPatch m_copy{"CopyFileW", +[](const wchar_t* from, const wchar_t* to, BOOL failIfThere) {
-                           s_calls.push_back(L"copy " + Short(from) + L" " + Short(to) + (failIfThere ? L"!" : L""));
-                           return ::CopyFileW(from, to, failIfThere);
-                       }};
-    ImportPatch m_delete{"DeleteFileW", +[](const wchar_t* path) {
-                             s_calls.push_back(L"delete " + Short(path));
-                             return ::DeleteFileW(path);
-                         }};
-    ImportPatch m_remove{"RemoveDirectoryW", +[](const wchar_t* path) {
-                             s_calls.push_back(L"remove " + Short(path));
-                             return ::RemoveDirectoryW(path);
-                         }};
-};
 
 // A tree of 300 folders in 30 and 5,000 files in them.
 void MakeLargeTree(const std::wstring& folder)
@@ -176,10 +127,10 @@ TEST(SetNoNeedFilePath, ExcludesAFolderWithAllThatIsInIt)
     MakeTree(folder / L"Src", {L"Temp\\", L"Temp\\file", L"Temp\\sub\\", L"Temporary\\", L"Temporary\\file", L"file"});
     CFileFolderManageTool tool;
     tool.SetNoNeedFilePath(folder / L"SRC\\TEMP");
-    const CallRecorder recorder(folder);
+    const FileCallRecorder recorder(folder / L"");
     EXPECT_TRUE(tool.CopyFolder(folder / L"Src", folder / L"dst"));
     EXPECT_EQ(ListTree(folder / L"dst"), (Entries{L"Temporary\\", L"Temporary\\file", L"file"}));
-    for (const std::wstring& call : CallRecorder::Calls())
+    for (const std::wstring& call : FileCallRecorder::Calls())
         EXPECT_EQ(call.find(L"Temp\\"), std::wstring::npos) << testing::PrintToString(call);
 }
 
@@ -267,21 +218,21 @@ TEST(CopyFolder, TakesItsStepsInOrder)
     const TempFolder folder;
     MakeTree(folder / L"src", {L"sub\\", L"sub\\x"});
     MakeTree(folder / L"dst", {L"old"});
-    const CallRecorder recorder(folder);
+    const FileCallRecorder recorder(folder / L"");
     CFileFolderManageTool().CopyFolder(folder / L"src", folder / L"dst");
-    EXPECT_EQ(CallRecorder::Calls(), (Entries{
-                                         L"find dst\\*.*",
-                                         L"delete dst\\old",
-                                         L"remove dst",
-                                         L"create dst",
-                                         L"find src\\*.*",
-                                         L"find dst\\sub\\*.*",
-                                         L"remove dst\\sub",
-                                         L"create dst\\sub",
-                                         L"find src\\sub\\*.*",
-                                         L"copy src\\sub\\x dst\\sub\\x",
-                                         L"copy src\\sub dst\\sub",
-                                     }));
+    EXPECT_EQ(FileCallRecorder::Calls(), (Entries{
+                                             L"find dst\\*.*",
+                                             L"delete dst\\old",
+                                             L"remove dst",
+                                             L"create dst",
+                                             L"find src\\*.*",
+                                             L"find dst\\sub\\*.*",
+                                             L"remove dst\\sub",
+                                             L"create dst\\sub",
+                                             L"find src\\sub\\*.*",
+                                             L"copy src\\sub\\x dst\\sub\\x",
+                                             L"copy src\\sub dst\\sub",
+                                         }));
 }
 
 TEST(CopyFolder, RemovesWhatTheDestinationHeld)
@@ -505,16 +456,16 @@ TEST(ClearFolder, TakesItsStepsInOrder)
 {
     const TempFolder folder;
     MakeTree(folder / L"top", {L"sub\\", L"sub\\x"});
-    const CallRecorder recorder(folder);
+    const FileCallRecorder recorder(folder / L"");
     CFileFolderManageTool().ClearFolder(folder / L"top");
-    EXPECT_EQ(CallRecorder::Calls(), (Entries{
-                                         L"find top\\*.*",
-                                         L"find top\\sub\\*.*",
-                                         L"delete top\\sub\\x",
-                                         L"remove top\\sub",
-                                         L"delete top\\sub",
-                                         L"remove top",
-                                     }));
+    EXPECT_EQ(FileCallRecorder::Calls(), (Entries{
+                                             L"find top\\*.*",
+                                             L"find top\\sub\\*.*",
+                                             L"delete top\\sub\\x",
+                                             L"remove top\\sub",
+                                             L"delete top\\sub",
+                                             L"remove top",
+                                         }));
 }
 
 TEST(ClearFolder, IsFalseForAnEmptyArgumentOnly)

@@ -4,6 +4,7 @@
 #include "support/LastError.h"
 #include "support/RecordingAppender.h"
 #include "support/TempFolder.h"
+#include "support/Threads.h"
 
 #include <Kelpkit/Files.h>
 #include <Kelpkit/Log.h>
@@ -519,16 +520,10 @@ TEST_F(FileLog, LosesAndTearsNothingOfEightThreads)
     constexpr int kThreads = 8;
     constexpr int kLines = 10000;
     StartLog(Folder() / L"run.log");
-    std::vector<std::thread> threads;
-    threads.reserve(kThreads);
-    for (int thread = 0; thread < kThreads; ++thread) {
-        threads.emplace_back([thread] {
-            for (int line = 0; line < kLines; ++line)
-                CLogMsg::LogMsg(LV_INFO, (std::to_wstring(thread) + L" 线程 " + std::to_wstring(line)).c_str());
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    test::InThreads(kThreads, [](std::size_t thread) {
+        for (int line = 0; line < kLines; ++line)
+            CLogMsg::LogMsg(LV_INFO, (std::to_wstring(thread) + L" 线程 " + std::to_wstring(line)).c_str());
+    });
 
     std::istringstream lines(Lines(Folder() / L"run.log"));
     std::map<int, int> next;

@@ -1,5 +1,6 @@
 #include "support/FolderLink.h"
 
+#include "support/FolderTree.h"
 #include "support/LastError.h"
 
 #include <windows.h>
@@ -14,11 +15,6 @@ namespace test
 {
 namespace
 {
-
-bool Exists(const std::wstring& path)
-{
-    return ::GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
-}
 
 // Wine's own way from a Windows path to the path below it; null elsewhere.
 using UnixFileName = char*(CDECL*)(const wchar_t*);

@@ -42,6 +42,11 @@ void List(const std::wstring& folder, const std::wstring& prefix, std::vector<st
 
 } // namespace
 
+bool Exists(const std::wstring& path)
+{
+    return ::GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
 void MakeTree(const std::wstring& folder, const std::vector<std::wstring>& entries)
 {
     MakeFolder(folder);

@@ -1,4 +1,5 @@
 #include "support/ImportPatch.h"
+#include "support/Threads.h"
 
 #include <Kelpkit/SystemInfo.h>
 
@@ -11,7 +12,6 @@
 #include <set>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <vector>
 
 using namespace KELPKIT;
@@ -102,16 +102,10 @@ TEST(GenerateUUID, ThrowsWhereTheSystemHasNoRandomNumbers)
 TEST(GenerateUUID, EightThreadsAtOnceGetDistinctOnes)
 {
     std::vector<std::vector<std::wstring>> results(8);
-    std::vector<std::thread> threads;
-    threads.reserve(results.size());
-    for (std::vector<std::wstring>& result : results) {
-        threads.emplace_back([&result] {
-            for (int i = 0; i < 1000; ++i)
-                result.push_back(GenerateUUID());
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    test::InThreads(results.size(), [&results](std::size_t thread) {
+        for (int i = 0; i < 1000; ++i)
+            results[thread].push_back(GenerateUUID());
+    });
     std::set<std::wstring> uuids;
     for (const std::vector<std::wstring>& result : results) {
         for (const std::wstring& uuid : result) {

@@ -1,5 +1,6 @@
 #include "support/GuardedBuffer.h"
 #include "support/Random.h"
+#include "support/Threads.h"
 
 #include <Kelpkit/Text.h>
 
@@ -10,7 +11,6 @@
 #include <algorithm>
 #include <memory>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -347,21 +347,16 @@ TEST(Base64Decode, LongTextsAreDecodedWhole)
 
 TEST(Base64Decode, ManyThreadsDecodeAtOnce)
 {
-    std::vector<std::thread> threads;
     std::vector<int> wrong(8);
-    for (std::size_t i = 0; i < wrong.size(); ++i) {
-        threads.emplace_back([i, &wrong] {
-            Random random(static_cast<unsigned>(10 + i));
-            for (int round = 0; round < 2000; ++round) {
-                const std::string data = random.Bytes(random.Below(300));
-                std::string back;
-                const int count = CBase64::DecodeEx(CBase64::Encode(data), back);
-                wrong[i] += count != static_cast<int>(data.size()) || back != data.substr(0, data.find('\0'));
-            }
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    test::InThreads(wrong.size(), [&wrong](std::size_t thread) {
+        Random random(static_cast<unsigned>(10 + thread));
+        for (int round = 0; round < 2000; ++round) {
+            const std::string data = random.Bytes(random.Below(300));
+            std::string back;
+            const int count = CBase64::DecodeEx(CBase64::Encode(data), back);
+            wrong[thread] += count != static_cast<int>(data.size()) || back != data.substr(0, data.find('\0'));
+        }
+    });
     EXPECT_EQ(wrong, std::vector<int>(8));
 }
 

@@ -1,6 +1,7 @@
 #include "support/CodePage.h"
 #include "support/ImportPatch.h"
 #include "support/Random.h"
+#include "support/Threads.h"
 
 #include <Kelpkit/Text.h>
 
@@ -10,7 +11,6 @@
 
 #include <cstdlib>
 #include <string>
-#include <thread>
 #include <vector>
 
 using namespace KELPKIT;
@@ -317,20 +317,15 @@ TEST(Encoding, LongTextsAreConvertedWhole)
 
 TEST(Encoding, ManyThreadsConvertAtOnce)
 {
-    std::vector<std::thread> threads;
     std::vector<int> wrong(8);
-    for (std::size_t i = 0; i < wrong.size(); ++i) {
-        threads.emplace_back([i, &wrong] {
-            Random random(static_cast<unsigned>(10 + i));
-            for (int round = 0; round < 300; ++round) {
-                const std::wstring text = random.WellFormed(50);
-                if (UTF8ToUnicode(UnicodeToUTF8(text)) != text || UnicodeToAnsi(text) != SystemNarrow(CP_ACP, text))
-                    ++wrong[i];
-            }
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    test::InThreads(wrong.size(), [&wrong](std::size_t thread) {
+        Random random(static_cast<unsigned>(10 + thread));
+        for (int round = 0; round < 300; ++round) {
+            const std::wstring text = random.WellFormed(50);
+            if (UTF8ToUnicode(UnicodeToUTF8(text)) != text || UnicodeToAnsi(text) != SystemNarrow(CP_ACP, text))
+                ++wrong[thread];
+        }
+    });
     EXPECT_EQ(wrong, std::vector<int>(8));
 }
 

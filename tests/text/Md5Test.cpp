@@ -3,6 +3,7 @@
 #include "support/FileHolder.h"
 #include "support/LastError.h"
 #include "support/TempFolder.h"
+#include "support/Threads.h"
 
 #include <Kelpkit/Text.h>
 
@@ -14,7 +15,6 @@
 
 #include <random>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -193,17 +193,11 @@ TEST_F(BuildMd5CodeUnder1252, DigestsTheAnsiBytesOfWideText)
 
 TEST(BuildMd5Code, ManyThreadsDigestAtOnce)
 {
-    std::vector<std::thread> threads;
     std::vector<int> wrong(8);
-    threads.reserve(wrong.size());
-    for (int& count : wrong) {
-        threads.emplace_back([&count] {
-            for (int round = 0; round < 2000; ++round)
-                count += Digest(std::string("abc")) != "900150983cd24fb0d6963f7d28e17f72";
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    test::InThreads(wrong.size(), [&wrong](std::size_t thread) {
+        for (int round = 0; round < 2000; ++round)
+            wrong[thread] += Digest(std::string("abc")) != "900150983cd24fb0d6963f7d28e17f72";
+    });
     EXPECT_EQ(wrong, std::vector<int>(8));
 }
 
