@@ -5,7 +5,7 @@ include(CMakePackageConfigHelpers)
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/Kelpkit")
 set(licenses_dir "${CMAKE_INSTALL_DATADIR}/licenses")
 
-install(TARGETS Kelpkit KelpkitMfc EXPORT KelpkitTargets FILE_SET HEADERS)
+install(TARGETS Kelpkit KelpkitMfc XMLParser EXPORT KelpkitTargets FILE_SET HEADERS)
 install(DIRECTORY mfc DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/Kelpkit" FILES_MATCHING PATTERN "*.h")
 install(EXPORT KelpkitTargets NAMESPACE Kelpkit:: DESTINATION "${package_dir}")
 
@@ -19,7 +19,7 @@ install(FILES THIRD-PARTY.md DESTINATION "${licenses_dir}/Kelpkit")
 
 if(MINGW)
   install(FILES ${KELPKIT_RUNTIME_DLLS} TYPE BIN)
-  install(FILES $<TARGET_FILE:Kelpkit>.debug DESTINATION symbols)
+  install(FILES $<TARGET_FILE:Kelpkit>.debug $<TARGET_FILE:XMLParser>.debug DESTINATION symbols)
 
   # log4cplus for those who attach appenders: its headers, import library and package.
   cmake_path(GET log4cplus_DIR PARENT_PATH log4cplus_prefix)
@@ -31,12 +31,13 @@ if(MINGW)
 
   # The licences of what is shipped.
   install(DIRECTORY "${log4cplus_prefix}/share/licenses/log4cplus" DESTINATION "${licenses_dir}")
+  install(FILES "${log4cplus_prefix}/share/licenses/pugixml/LICENSE.md" DESTINATION "${licenses_dir}/pugixml")
   install(FILES /usr/share/common-licenses/GPL-3 DESTINATION "${licenses_dir}/gcc-runtime")
   install(FILES /usr/share/doc/gcc-mingw-w64-x86-64-posix-runtime/copyright DESTINATION "${licenses_dir}/gcc-runtime")
   install(FILES /usr/share/doc/mingw-w64-x86-64-dev/copyright DESTINATION "${licenses_dir}/mingw-w64-runtime")
 else()
   install(FILES $<TARGET_RUNTIME_DLLS:Kelpkit> TYPE BIN)
-  install(FILES $<TARGET_PDB_FILE:Kelpkit> DESTINATION symbols OPTIONAL)
+  install(FILES $<TARGET_PDB_FILE:Kelpkit> $<TARGET_PDB_FILE:XMLParser> DESTINATION symbols OPTIONAL)
 endif()
 
 set(CPACK_GENERATOR ZIP)

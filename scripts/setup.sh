@@ -132,11 +132,16 @@ build_log4cplus() {
 }
 
 build_pugixml() {
-    local stamp=$deps/pugixml.stamp
-    if [ -e "$stamp" ]; then return; fi
+    local stamp=$deps/pugixml.stamp recipe
+    # Less memory for each node, which is most of the time that a large file takes.
+    set -- -DPUGIXML_COMPACT=ON
+    recipe=$*
+    if [ "$(cat "$stamp" 2>/dev/null || true)" = "$recipe" ]; then return; fi
     unpack_source pugixml
-    build_dependency pugixml "$deps/src/pugixml"
-    touch "$stamp"
+    build_dependency pugixml "$deps/src/pugixml" "$@"
+    mkdir -p "$deps/share/licenses/pugixml"
+    cp "$deps/src/pugixml/LICENSE.md" "$deps/share/licenses/pugixml/"
+    printf '%s' "$recipe" >"$stamp"
 }
 
 # mingw must never see the system's include folder itself, only Boost in it.

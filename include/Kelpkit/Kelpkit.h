@@ -9,3 +9,4 @@
 #include "ModelUpgrade.h"
 #include "SystemInfo.h"
 #include "Text.h"
+#include "XMLParser.h"

@@ -1,6 +1,6 @@
-# Compares what Kelpkit.dll exports with the committed list, so that the interface changes only on purpose.
+# Compares what a DLL exports with its committed list, so that the interface changes only on purpose.
 #
-#     cmake -DDLL=... -DLIST=exports.txt -DOBJDUMP=... -DCXXFILT=... -P CheckExports.cmake
+#     cmake -DDLL=... -DLIST=... -DOBJDUMP=... -DCXXFILT=... -P CheckExports.cmake
 #
 # With -DUPDATE=ON the list is written instead.
 

@@ -1,4 +1,4 @@
-// Kelpkit.dll as a file that is loaded and unloaded. This program calls nothing of it, so it is not loaded from the start.
+// The DLLs as files that are loaded and unloaded. This program calls nothing of it, so it is not loaded from the start.
 
 #include "support/FileContents.h"
 #include "support/LastError.h"
@@ -30,6 +30,10 @@ const Value* VersionValue(std::vector<std::byte>& resource, const wchar_t* name)
     EXPECT_TRUE(::VerQueryValueW(resource.data(), name, &value, &size)) << test::LastErrorText();
     return static_cast<const Value*>(value);
 }
+
+class EachLibrary : public testing::TestWithParam<const wchar_t*>
+{
+};
 
 class ExitFromThread : public testing::TestWithParam<const wchar_t*>
 {
@@ -89,12 +93,13 @@ TEST(Library, LogsBetweenLoadingAndUnloading)
 }
 #endif
 
-TEST(Library, SaysWhatItIsInItsVersionResource)
+TEST_P(EachLibrary, SaysWhatItIsInItsVersionResource)
 {
+    const std::wstring dll = test::BesideThisProgram(GetParam());
     DWORD ignored = 0;
-    std::vector<std::byte> resource(::GetFileVersionInfoSizeW(Dll().c_str(), &ignored));
+    std::vector<std::byte> resource(::GetFileVersionInfoSizeW(dll.c_str(), &ignored));
     ASSERT_FALSE(resource.empty()) << test::LastErrorText();
-    ASSERT_TRUE(::GetFileVersionInfoW(Dll().c_str(), 0, static_cast<DWORD>(resource.size()), resource.data()))
+    ASSERT_TRUE(::GetFileVersionInfoW(dll.c_str(), 0, static_cast<DWORD>(resource.size()), resource.data()))
         << test::LastErrorText();
 
     const auto* const fixed = VersionValue<VS_FIXEDFILEINFO>(resource, L"\\");
@@ -107,11 +112,13 @@ TEST(Library, SaysWhatItIsInItsVersionResource)
     EXPECT_EQ(translation[1], 0x04B0);
     EXPECT_STREQ(VersionValue<wchar_t>(resource, L"\\StringFileInfo\\040904B0\\ProductName"), L"Kelpkit");
     EXPECT_STREQ(VersionValue<wchar_t>(resource, L"\\StringFileInfo\\040904B0\\ProductVersion"), KELPKIT_VERSION_TEXT);
+    EXPECT_STREQ(VersionValue<wchar_t>(resource, L"\\StringFileInfo\\040904B0\\OriginalFilename"), GetParam());
 }
 
-TEST(Library, MayBePlacedAnywhereAndExecutesNoData)
+TEST_P(EachLibrary, MayBePlacedAnywhereAndExecutesNoData)
 {
-    const HMODULE module = ::LoadLibraryW(Dll().c_str());
+    const std::wstring dll = test::BesideThisProgram(GetParam());
+    const HMODULE module = ::LoadLibraryW(dll.c_str());
     ASSERT_NE(module, nullptr) << test::LastErrorText();
     const auto* const base = reinterpret_cast<const std::byte*>(module);
     const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
@@ -121,6 +128,8 @@ TEST(Library, MayBePlacedAnywhereAndExecutesNoData)
     EXPECT_EQ(nt->OptionalHeader.DllCharacteristics & kWanted, kWanted);
     ::FreeLibrary(module);
 }
+
+INSTANTIATE_TEST_SUITE_P(Library, EachLibrary, testing::Values(L"Kelpkit.dll", L"XMLParser.dll"));
 
 TEST_P(ExitFromThread, EndsTheProcess)
 {

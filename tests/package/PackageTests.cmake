@@ -46,18 +46,22 @@ endif()
 if(MINGW)
   cmake_path(GET CMAKE_OBJDUMP PARENT_PATH binutils)
   find_program(KELPKIT_CXXFILT NAMES x86_64-w64-mingw32-c++filt c++filt HINTS "${binutils}" REQUIRED)
-  set(check_exports "${CMAKE_COMMAND}" "-DDLL=$<TARGET_FILE:Kelpkit>"
-    "-DLIST=${CMAKE_CURRENT_SOURCE_DIR}/package/exports.txt" "-DWORK=${work}"
-    "-DOBJDUMP=${CMAKE_OBJDUMP}" "-DCXXFILT=${KELPKIT_CXXFILT}"
-  )
-  add_test(NAME package.exports
-    COMMAND ${check_exports} -P "${CMAKE_CURRENT_SOURCE_DIR}/package/CheckExports.cmake"
-  )
-  # Writes the list anew where the interface changes on purpose.
-  add_custom_target(update-exports
-    COMMAND ${check_exports} -DUPDATE=ON -P "${CMAKE_CURRENT_SOURCE_DIR}/package/CheckExports.cmake"
-    VERBATIM
-  )
+  # Writes the lists anew where the interface changes on purpose.
+  add_custom_target(update-exports)
+  foreach(dll Kelpkit XMLParser)
+    set(check_exports "${CMAKE_COMMAND}" "-DDLL=$<TARGET_FILE:${dll}>"
+      "-DLIST=${CMAKE_CURRENT_SOURCE_DIR}/package/${dll}.exports.txt" "-DWORK=${work}"
+      "-DOBJDUMP=${CMAKE_OBJDUMP}" "-DCXXFILT=${KELPKIT_CXXFILT}"
+    )
+    add_test(NAME package.exports.${dll}
+      COMMAND ${check_exports} -P "${CMAKE_CURRENT_SOURCE_DIR}/package/CheckExports.cmake"
+    )
+    add_custom_command(TARGET update-exports POST_BUILD
+      COMMAND ${check_exports} -DUPDATE=ON -P "${CMAKE_CURRENT_SOURCE_DIR}/package/CheckExports.cmake"
+      VERBATIM
+    )
+  endforeach()
+  add_dependencies(update-exports Kelpkit XMLParser)
   add_test(NAME package.imports
     COMMAND "${CMAKE_COMMAND}" "-DBIN=${stage}/bin" "-DOBJDUMP=${CMAKE_OBJDUMP}"
       -P "${CMAKE_CURRENT_SOURCE_DIR}/package/CheckImports.cmake"

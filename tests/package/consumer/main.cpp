@@ -9,6 +9,7 @@
 #include <iostream>
 #include <stdexcept>
 #include <string>
+#include <typeinfo>
 #include <vector>
 
 namespace
@@ -56,6 +57,12 @@ int main()
     Check(!KELPKIT::GetSysRoot().empty(), "the program's folder is known");
     Check(KELPKIT::GenerateUUID().size() == 36, "a UUID is generated");
     Check(CString(L"ab").GetLength() == 2, "the MFC types are there");
+
+    IXMLTreePtr tree;
+    Check(CXMLTreeCreator::Allocate(tree) && tree->AddChild(L"config", L"") && tree->SaveFile(L"consumer.xml"),
+          "an XML file is made");
+    const CXMLTreeCreator creator;
+    Check(typeid(CXMLTreeCreator(creator)) == typeid(CXMLTreeCreator), "the creator's own parts are there");
 
     std::wstring hsf;
     std::wstring qmx;

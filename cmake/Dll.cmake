@@ -1,0 +1,21 @@
+# kelpkit_finish_dll(TARGET DESCRIPTION): what every DLL of the project has: a version resource, hardening, and the
+# symbols of a release in a file of their own.
+function(kelpkit_finish_dll target description)
+  set(KELPKIT_FILE_NAME "${target}")
+  set(KELPKIT_FILE_DESCRIPTION "${description}")
+  configure_file("${PROJECT_SOURCE_DIR}/cmake/version.rc.in" ${target}.rc @ONLY)
+  target_sources(${target} PRIVATE "${CMAKE_CURRENT_BINARY_DIR}/${target}.rc")
+
+  if(MSVC)
+    target_link_options(${target} PRIVATE /HIGHENTROPYVA /DYNAMICBASE /NXCOMPAT /DEBUG /OPT:REF /OPT:ICF)
+  else()
+    target_link_options(${target} PRIVATE -Wl,--high-entropy-va,--dynamicbase,--nxcompat)
+    # Debuggers find the symbols by the link that the DLL keeps.
+    add_custom_command(TARGET ${target} POST_BUILD
+      COMMAND "${CMAKE_OBJCOPY}" --only-keep-debug $<TARGET_FILE:${target}> $<TARGET_FILE:${target}>.debug
+      COMMAND "${CMAKE_OBJCOPY}" --strip-debug --strip-unneeded
+        --add-gnu-debuglink=$<TARGET_FILE:${target}>.debug $<TARGET_FILE:${target}>
+      VERBATIM
+    )
+  endif()
+endfunction()

@@ -1,0 +1,282 @@
+#include <Kelpkit/XMLParser.h>
+
+#include "support/FileHolder.h"
+#include "support/FolderTree.h"
+#include "support/ImportPatch.h"
+#include "support/LastError.h"
+#include "support/Threads.h"
+#include "xmlparser/TreeFile.h"
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstddef>
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+using test::FileHolder;
+using test::ImportPatch;
+using test::TreeFile;
+
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+// The save fails, the file is as it was, and nothing lies beside it.
+void ExpectNoSave(const TreeFile& file)
+{
+    const std::string before = file.Bytes();
+    const IXMLTreePtr tree = file.Tree();
+    EXPECT_TRUE(tree->AddChild(L"new", L"1"));
+    EXPECT_FALSE(tree->SaveFile(file.Path()));
+    EXPECT_EQ(file.Bytes(), before);
+    EXPECT_EQ(test::ListTree(file.Folder().Path()), std::vector<std::wstring>{L"file.xml"});
+}
+
+std::vector<std::byte> Dacl(const CString& path)
+{
+    DWORD size = 0;
+    ::GetFileSecurityW(path.GetString(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
+    std::vector<std::byte> descriptor(size);
+    EXPECT_TRUE(::GetFileSecurityW(path.GetString(), DACL_SECURITY_INFORMATION, descriptor.data(), size, &size));
+    return descriptor;
+}
+
+// The whole content of the file, read as others read it.
+std::string ReadShared(const CString& path)
+{
+    const FileHolder file(path.GetString(), GENERIC_READ, kShareAll);
+    std::string bytes(1 << 20, '\0');
+    DWORD size = 0;
+    EXPECT_TRUE(::ReadFile(file.Handle(), bytes.data(), static_cast<DWORD>(bytes.size()), &size, nullptr));
+    bytes.resize(size);
+    return bytes;
+}
+
+} // namespace
+
+TEST(XMLTreeSave, LeavesNothingBesideTheFile)
+{
+    const TreeFile file("<r/>");
+    EXPECT_TRUE(file.Add(L"a", L"1"));
+    EXPECT_EQ(file.Bytes(), "<r><a>1</a></r>");
+    EXPECT_EQ(test::ListTree(file.Folder().Path()), std::vector<std::wstring>{L"file.xml"});
+}
+
+TEST(XMLTreeSave, MakesAnotherFile)
+{
+    const TreeFile file("<r/>");
+    const std::wstring other = file.Folder() / L"其他 other.xml";
+    EXPECT_TRUE(file.Tree()->SaveFile(other.c_str()));
+    EXPECT_EQ(test::ReadFileBytes(other), "<r/>");
+}
+
+TEST(XMLTreeSave, KeepsAttributesAndAccessRights)
+{
+    const TreeFile file("<r/>");
+    for (const DWORD attributes :
+         std::initializer_list<DWORD>{FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_ARCHIVE,
+                                      FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_HIDDEN, FILE_ATTRIBUTE_NORMAL}) {
+        ASSERT_TRUE(::SetFileAttributesW(file.Path().GetString(), attributes)) << test::LastErrorText();
+        const DWORD before = ::GetFileAttributesW(file.Path().GetString());
+        const std::vector<std::byte> rights = Dacl(file.Path());
+        EXPECT_TRUE(file.Add(L"a", L"1"));
+        EXPECT_EQ(::GetFileAttributesW(file.Path().GetString()), before);
+        EXPECT_EQ(Dacl(file.Path()), rights);
+    }
+}
+
+TEST(XMLTreeSave, MakesTheFileWithTheOldOnesAccessRights)
+{
+    const TreeFile file("<r/>");
+    static bool s_hasRights;
+    s_hasRights = false;
+    const ImportPatch patch(
+        L"XMLParser.dll", "CreateFileW",
+        +[](const wchar_t* path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security, DWORD disposition,
+            DWORD flags, HANDLE model) -> HANDLE {
+            if (disposition == CREATE_NEW)
+                s_hasRights = security != nullptr && security->lpSecurityDescriptor != nullptr;
+            return ::CreateFileW(path, access, share, security, disposition, flags, model);
+        });
+    EXPECT_TRUE(file.Add(L"a", L"1"));
+    EXPECT_TRUE(s_hasRights);
+}
+
+TEST(XMLTreeSave, FailsOnAReadOnlyFile)
+{
+    const TreeFile file("<r/>");
+    ASSERT_TRUE(::SetFileAttributesW(file.Path().GetString(), FILE_ATTRIBUTE_READONLY));
+    ExpectNoSave(file);
+}
+
+TEST(XMLTreeSave, FailsInAMissingFolderAndOnAFolder)
+{
+    const TreeFile file("<r/>");
+    const IXMLTreePtr tree = file.Tree();
+    EXPECT_FALSE(tree->SaveFile((file.Folder() / L"missing\\a.xml").c_str()));
+    EXPECT_FALSE(tree->SaveFile(file.Folder().Path().c_str()));
+    EXPECT_FALSE(tree->SaveFile(L""));
+    EXPECT_EQ(test::ListTree(file.Folder().Path()), std::vector<std::wstring>{L"file.xml"});
+}
+
+TEST(XMLTreeSave, FailsWhileAnotherHoldsTheFile)
+{
+    const TreeFile file("<r/>");
+    const IXMLTreePtr tree = file.Tree();
+    EXPECT_TRUE(tree->AddChild(L"new", L"1"));
+    {
+        const FileHolder holder(file.Path().GetString(), GENERIC_READ, 0);
+        EXPECT_FALSE(tree->SaveFile(file.Path()));
+        EXPECT_EQ(test::ListTree(file.Folder().Path()), std::vector<std::wstring>{L"file.xml"});
+    }
+    EXPECT_EQ(file.Bytes(), "<r/>");
+    EXPECT_TRUE(tree->SaveFile(file.Path())) << "the tree is still good";
+    EXPECT_EQ(file.Bytes(), "<r><new>1</new></r>");
+}
+
+TEST(XMLTreeSave, WaitsForAReaderThatLetsGo)
+{
+    const TreeFile file("<r/>");
+    const IXMLTreePtr tree = file.Tree();
+    static HANDLE s_reader;
+    s_reader = ::CreateFileW(file.Path().GetString(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                             OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(s_reader, INVALID_HANDLE_VALUE);
+    static int s_waits;
+    s_waits = 0;
+    const ImportPatch patch(
+        L"XMLParser.dll", "Sleep", +[](DWORD) {
+            if (++s_waits == 3)
+                ::CloseHandle(s_reader);
+        });
+    EXPECT_TRUE(tree->SaveFile(file.Path()));
+    EXPECT_EQ(s_waits, 3);
+}
+
+TEST(XMLTreeSave, GivesUpAfterLessThanASecond)
+{
+    const TreeFile file("<r/>");
+    const IXMLTreePtr tree = file.Tree();
+    const FileHolder reader(file.Path().GetString(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE);
+    static ULONGLONG s_clock;
+    s_clock = 0;
+    const ImportPatch sleep(
+        L"XMLParser.dll", "Sleep", +[](DWORD milliseconds) { s_clock += milliseconds; });
+    const ImportPatch clock(
+        L"XMLParser.dll", "GetTickCount64", +[]() -> ULONGLONG { return s_clock; });
+    EXPECT_FALSE(tree->SaveFile(file.Path()));
+    EXPECT_GE(s_clock, 500U);
+    EXPECT_LT(s_clock, 1000U);
+}
+
+TEST(XMLTreeSave, FailsOnAFullDisk)
+{
+    const TreeFile file("<r/>");
+    const ImportPatch patch(
+        L"XMLParser.dll", "WriteFile",
+        +[](HANDLE handle, const void* bytes, DWORD size, DWORD* written, OVERLAPPED*) -> BOOL {
+            ::WriteFile(handle, bytes, size / 2, written, nullptr);
+            ::SetLastError(ERROR_DISK_FULL);
+            return FALSE;
+        });
+    ExpectNoSave(file);
+}
+
+TEST(XMLTreeSave, FailsWhereTheDiskDoesNotTakeTheFile)
+{
+    const TreeFile file("<r/>");
+    const ImportPatch patch(
+        L"XMLParser.dll", "FlushFileBuffers", +[](HANDLE) -> BOOL {
+            ::SetLastError(ERROR_GEN_FAILURE);
+            return FALSE;
+        });
+    ExpectNoSave(file);
+}
+
+TEST(XMLTreeSave, FailsWhereTheFileCannotBePutInPlace)
+{
+    const TreeFile file("<r/>");
+    const ImportPatch patch(
+        L"XMLParser.dll", "MoveFileExW", +[](const wchar_t*, const wchar_t*, DWORD) -> BOOL {
+            ::SetLastError(ERROR_NOT_SAME_DEVICE);
+            return FALSE;
+        });
+    ExpectNoSave(file);
+}
+
+TEST(XMLTreeSave, FlushesBeforeItReplaces)
+{
+    const TreeFile file("<r/>");
+    static std::string s_calls;
+    s_calls.clear();
+    const ImportPatch flush(
+        L"XMLParser.dll", "FlushFileBuffers", +[](HANDLE handle) -> BOOL {
+            s_calls += "flush ";
+            return ::FlushFileBuffers(handle);
+        });
+    const ImportPatch move(
+        L"XMLParser.dll", "MoveFileExW", +[](const wchar_t* from, const wchar_t* to, DWORD flags) -> BOOL {
+            s_calls += "move ";
+            return ::MoveFileExW(from, to, flags);
+        });
+    EXPECT_TRUE(file.Add(L"a", L"1"));
+    EXPECT_EQ(s_calls, "flush move ");
+}
+
+TEST(XMLTreeSave, TakesThePlaceOfWhatAKilledProcessLeft)
+{
+    const TreeFile file("<r/>");
+    const std::wstring leftover = file.Folder() / L"file.xml.saving";
+    test::WriteFileBytes(leftover, "<r><half");
+    ASSERT_TRUE(::SetFileAttributesW(leftover.c_str(), FILE_ATTRIBUTE_HIDDEN));
+    EXPECT_TRUE(file.Add(L"a", L"1"));
+    EXPECT_EQ(file.Bytes(), "<r><a>1</a></r>");
+    EXPECT_EQ(test::ListTree(file.Folder().Path()), std::vector<std::wstring>{L"file.xml"});
+}
+
+TEST(XMLTreeSave, WaitsForAnotherWriterAndGivesUp)
+{
+    const TreeFile file("<r/>");
+    const IXMLTreePtr tree = file.Tree();
+    const std::wstring temporary = file.Folder() / L"file.xml.saving";
+    {
+        const FileHolder writer(temporary, GENERIC_WRITE, 0, CREATE_NEW);
+        EXPECT_FALSE(tree->SaveFile(file.Path()));
+        EXPECT_TRUE(test::Exists(temporary)) << "it is the other writer's";
+    }
+    EXPECT_TRUE(tree->SaveFile(file.Path()));
+}
+
+TEST(XMLTreeSave, ShowsReadersTheOldFileOrTheNewOne)
+{
+    const TreeFile file("<r><a>0</a></r>");
+    const CString path = file.Path();
+    std::atomic<bool> isOver = false;
+    std::string last = file.Bytes();
+    test::InThreads(3, [&](std::size_t number) {
+        if (number == 0) {
+            for (std::size_t i = 1; i <= 50; ++i) {
+                const std::wstring text(i * 100, L'x');
+                if (file.Add(L"a", text))
+                    last = file.Bytes();
+            }
+            isOver = true;
+            return;
+        }
+        while (!isOver) {
+            const std::string bytes = ReadShared(path);
+            const std::string end = "</a></r>";
+            EXPECT_EQ(bytes.substr(0, 6), "<r><a>");
+            EXPECT_EQ(bytes.substr(bytes.size() - std::min(bytes.size(), end.size())), end);
+            ::Sleep(1);
+        }
+    });
+    EXPECT_NE(last, "<r><a>0</a></r>");
+    EXPECT_EQ(file.Bytes(), last);
+}

@@ -1,0 +1,163 @@
+#include "File.h"
+
+#include "WindowsApi.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+namespace xmlparser
+{
+namespace
+{
+
+constexpr const wchar_t* kTemporarySuffix = L".saving";
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+struct HandleCloser {
+    using pointer = HANDLE;
+    void operator()(HANDLE handle) const { ::CloseHandle(handle); }
+};
+using FileHandle = std::unique_ptr<HANDLE, HandleCloser>;
+
+FileHandle Opened(HANDLE handle)
+{
+    return FileHandle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
+}
+
+// Says how long to go on trying where somebody has a file open: below a second, all told.
+class Patience
+{
+public:
+    // Waits a little; false when it is over.
+    bool Wait() const
+    {
+        ::Sleep(1);
+        return ::GetTickCount64() - m_start < kMilliseconds;
+    }
+
+private:
+    static constexpr ULONGLONG kMilliseconds = 800;
+
+    const ULONGLONG m_start = ::GetTickCount64();
+};
+
+// What a file passes on to the one that takes its place.
+class Heritage
+{
+public:
+    explicit Heritage(const wchar_t* path)
+    {
+        const DWORD attributes = ::GetFileAttributesW(path);
+        if (attributes == INVALID_FILE_ATTRIBUTES)
+            return;
+        m_attributes = attributes;
+        auto size = static_cast<DWORD>(m_descriptor.size());
+        while (!::GetFileSecurityW(path, DACL_SECURITY_INFORMATION, m_descriptor.data(), size, &size)) {
+            if (::GetLastError() != ERROR_INSUFFICIENT_BUFFER || size <= m_descriptor.size())
+                return;
+            m_descriptor.resize(size);
+        }
+        m_security.lpSecurityDescriptor = m_descriptor.data();
+    }
+
+    DWORD Attributes() const { return m_attributes; }
+
+    // The access rights.
+    SECURITY_ATTRIBUTES* Security() { return &m_security; }
+
+private:
+    DWORD m_attributes = FILE_ATTRIBUTE_NORMAL;
+    std::vector<std::byte> m_descriptor = std::vector<std::byte>(512);
+    SECURITY_ATTRIBUTES m_security = {sizeof m_security, nullptr, FALSE};
+};
+
+bool IsHeld(DWORD error)
+{
+    return error == ERROR_SHARING_VIOLATION || error == ERROR_ACCESS_DENIED;
+}
+
+bool WriteAll(HANDLE file, std::string_view bytes)
+{
+    while (!bytes.empty()) {
+        constexpr std::size_t kMost = 1 << 30;
+        DWORD written = 0;
+        if (!::WriteFile(file, bytes.data(), static_cast<DWORD>(std::min(bytes.size(), kMost)), &written, nullptr))
+            return false;
+        bytes.remove_prefix(written);
+    }
+    return ::FlushFileBuffers(file) != FALSE;
+}
+
+// Makes the file under its temporary name. What a killed process left there goes; what another process is just
+// writing is waited for.
+bool WriteBeside(const std::wstring& temporary, Heritage& heritage, std::string_view bytes, const Patience& patience)
+{
+    const auto create = [&] {
+        return Opened(::CreateFileW(temporary.c_str(), GENERIC_WRITE, 0, heritage.Security(), CREATE_NEW,
+                                    heritage.Attributes(), nullptr));
+    };
+    FileHandle file = create();
+    while (file == nullptr && ::GetLastError() == ERROR_FILE_EXISTS && patience.Wait()) {
+        ::DeleteFileW(temporary.c_str());
+        file = create();
+    }
+    if (file == nullptr)
+        return false;
+    if (WriteAll(file.get(), bytes))
+        return true;
+    file.reset();
+    ::DeleteFileW(temporary.c_str());
+    return false;
+}
+
+} // namespace
+
+bool ReadWholeFile(const wchar_t* path, std::string& bytes)
+{
+    const FileHandle file = Opened(
+        ::CreateFileW(path, GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+    if (file == nullptr)
+        return false;
+    // So that a little can be appended without a copy.
+    constexpr std::size_t kRoom = 16;
+    // Most files fit, and need not be asked for their size.
+    char start[1 << 14];
+    DWORD read = 0;
+    if (!::ReadFile(file.get(), start, sizeof start, &read, nullptr))
+        return false;
+    bytes.reserve(read + kRoom);
+    bytes.assign(start, read);
+    if (read < sizeof start)
+        return true;
+    LARGE_INTEGER size = {};
+    if (!::GetFileSizeEx(file.get(), &size) || size.QuadPart < static_cast<LONGLONG>(read) || size.QuadPart > MAXINT)
+        return false;
+    bytes.resize(static_cast<std::size_t>(size.QuadPart) + kRoom);
+    DWORD rest = 0;
+    if (!::ReadFile(file.get(), bytes.data() + read, static_cast<DWORD>(size.QuadPart) - read, &rest, nullptr))
+        return false;
+    bytes.resize(read + rest);
+    return true;
+}
+
+bool ReplaceWholeFile(const std::wstring& path, std::string_view bytes)
+{
+    Heritage heritage(path.c_str());
+    if (heritage.Attributes() & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY))
+        return false;
+    const std::wstring temporary = path + kTemporarySuffix;
+    const Patience patience;
+    if (!WriteBeside(temporary, heritage, bytes, patience))
+        return false;
+    // Not ReplaceFileW, which takes the old file away before the new one comes.
+    do {
+        if (::MoveFileExW(temporary.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
+            return true;
+    } while (IsHeld(::GetLastError()) && patience.Wait());
+    ::DeleteFileW(temporary.c_str());
+    return false;
+}
+
+} // namespace xmlparser

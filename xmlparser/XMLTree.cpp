@@ -1,0 +1,338 @@
+#include "XMLTree.h"
+
+#include "Conversion.h"
+#include "File.h"
+#include "Markup.h"
+
+#include "WindowsApi.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace xmlparser
+{
+namespace
+{
+
+// Keeps everything, and each thing as it is written. Fragments alone keep the white space outside of the document
+// element; IsDocument sees to the rest.
+constexpr unsigned kParseAll = pugi::parse_pi | pugi::parse_comments | pugi::parse_cdata | pugi::parse_doctype |
+                               pugi::parse_declaration | pugi::parse_ws_pcdata | pugi::parse_fragment;
+constexpr unsigned kWriteAll = pugi::format_raw | pugi::format_no_escapes;
+
+std::wstring_view View(const CString& text)
+{
+    return {text.GetString(), static_cast<std::size_t>(text.GetLength())};
+}
+
+bool IsElement(pugi::xml_node node)
+{
+    return node.type() == pugi::node_element;
+}
+
+bool IsWhiteSpace(pugi::xml_node node)
+{
+    return node.type() == pugi::node_pcdata && IsAllWhiteSpace(node.value());
+}
+
+pugi::xml_node FirstElement(pugi::xml_node parent)
+{
+    return parent.find_child(IsElement);
+}
+
+pugi::xml_node NextElement(pugi::xml_node node)
+{
+    do {
+        node = node.next_sibling();
+    } while (node && !IsElement(node));
+    return node;
+}
+
+bool IsElementNamed(std::string_view name, pugi::xml_node node)
+{
+    const char* own = node.name();
+    for (const char c : name) {
+        if (*own == '\0' || *own++ != c)
+            return false;
+    }
+    return *own == '\0' && IsElement(node);
+}
+
+// The node itself or the first of its next siblings that is an element with the name.
+pugi::xml_node ElementNamed(std::string_view name, pugi::xml_node node)
+{
+    while (node && !IsElementNamed(name, node))
+        node = node.next_sibling();
+    return node;
+}
+
+std::vector<std::string_view> Names(std::string_view path)
+{
+    if (!path.empty() && path.front() == '/')
+        path.remove_prefix(1);
+    std::vector<std::string_view> names;
+    if (path.empty())
+        return names;
+    std::size_t start = 0;
+    for (std::size_t end = 0; (end = path.find('/', start)) != path.npos; start = end + 1)
+        names.push_back(path.substr(start, end - start));
+    names.push_back(path.substr(start));
+    return names;
+}
+
+// One document element; beside it no text, and no declaration but at the start.
+bool IsDocument(const pugi::xml_document& document)
+{
+    int elements = 0;
+    for (const pugi::xml_node node : document) {
+        if (IsElement(node))
+            ++elements;
+        else if (node.type() == pugi::node_cdata || (node.type() == pugi::node_pcdata && !IsWhiteSpace(node)) ||
+                 (node.type() == pugi::node_declaration && node.previous_sibling()))
+            return false;
+    }
+    return elements == 1;
+}
+
+// The node behind it in document order.
+pugi::xml_node Next(pugi::xml_node node)
+{
+    if (node.first_child())
+        return node.first_child();
+    while (node && !node.next_sibling())
+        node = node.parent();
+    return node.next_sibling();
+}
+
+// Attributes are written in double quotes; those that stood in single ones may hold such. False if memory runs out.
+bool EscapeQuotes(const pugi::xml_document& document)
+{
+    for (pugi::xml_node node = document.first_child(); node; node = Next(node)) {
+        for (pugi::xml_attribute attribute : node.attributes()) {
+            const std::string_view value = attribute.value();
+            if (value.find('"') == value.npos)
+                continue;
+            std::string escaped;
+            for (const char c : value)
+                c == '"' ? escaped.append("&quot;") : escaped.append(1, c);
+            if (!attribute.set_value(escaped.c_str()))
+                return false;
+        }
+    }
+    return true;
+}
+
+// From the leaves upward: the parser's own removal recurses, which deep trees would make overflow the stack.
+void Remove(const pugi::xml_node node)
+{
+    for (pugi::xml_node leaf = node; true;) {
+        while (leaf.first_child())
+            leaf = leaf.first_child();
+        pugi::xml_node parent = leaf.parent();
+        parent.remove_child(leaf);
+        if (leaf == node)
+            return;
+        leaf = parent;
+    }
+}
+
+// A new last child element. Where the parent's children stand on lines of their own, so does it.
+pugi::xml_node AppendElement(pugi::xml_node parent, const char* name)
+{
+    const pugi::xml_node end = parent.last_child();
+    pugi::xml_node child = IsWhiteSpace(end) ? parent.insert_child_before(pugi::node_element, end)
+                                             : parent.append_child(pugi::node_element);
+    if (!child.set_name(name)) {
+        parent.remove_child(child);
+        return {};
+    }
+    const pugi::xml_node indentation = parent.first_child();
+    if (child.next_sibling() && IsWhiteSpace(indentation) && !IsWhiteSpace(child.previous_sibling()))
+        parent.insert_copy_before(indentation, child);
+    else if (child.next_sibling() && indentation == child)
+        parent.insert_copy_before(end, child);
+    return child;
+}
+
+CString Text(pugi::xml_node node)
+{
+    const char* const raw = node.value();
+    const int size = static_cast<int>(std::strlen(raw));
+    CString text;
+    wchar_t* const units = text.GetBuffer(size);
+    const int length = size == 0 ? 0 : ::MultiByteToWideChar(CP_UTF8, 0, raw, size, units, size);
+    const bool isCData = node.type() == pugi::node_cdata;
+    text.ReleaseBuffer(static_cast<int>(Unescape(units, static_cast<std::size_t>(length), isCData)));
+    return text;
+}
+
+class StringWriter final : public pugi::xml_writer
+{
+public:
+    explicit StringWriter(std::string& text) : m_text(text) {}
+
+    void write(const void* data, std::size_t size) override { m_text.append(static_cast<const char*>(data), size); }
+
+private:
+    std::string& m_text;
+};
+
+} // namespace
+
+void XMLTree::Clear()
+{
+    m_document.reset();
+    m_encoding = {};
+    m_current = m_document.root();
+    m_last = {};
+}
+
+bool XMLTree::LoadFile(const CString& path)
+{
+    Clear();
+    std::string file;
+    if (!ReadWholeFile(path.GetString(), file) || !Parse(std::move(file))) {
+        Clear();
+        return false;
+    }
+    m_current = m_document.document_element();
+    return true;
+}
+
+bool XMLTree::Parse(std::string file)
+{
+    const auto encoding = DetectEncoding(file);
+    if (!encoding || !ToUtf8(*encoding, file))
+        return false;
+    m_encoding = *encoding;
+    m_text = std::move(file);
+    // The parser takes a zero byte for the end. Whether it came to the real one tells an empty comment behind it.
+    m_text += "<!---->";
+    if (!m_document.load_buffer_inplace(m_text.data(), m_text.size() + 1, kParseAll, pugi::encoding_utf8))
+        return false;
+    const pugi::xml_node end = m_document.last_child();
+    if (end.type() != pugi::node_comment || *end.value() != '\0')
+        return false;
+    m_document.remove_child(end);
+    return IsDocument(m_document);
+}
+
+bool XMLTree::SaveFile(const CString& path)
+{
+    if (!m_document.document_element() || !EscapeQuotes(m_document))
+        return false;
+    std::string text;
+    text.reserve(m_text.size() + m_text.size() / 8);
+    StringWriter writer(text);
+    m_document.print(writer, "", kWriteAll, pugi::encoding_utf8);
+    return FromUtf8(m_encoding, text) && ReplaceWholeFile(path.GetString(), text);
+}
+
+bool XMLTree::AddChild(const CString& name, const CString& text)
+{
+    if (!IsName(View(name)))
+        return false;
+    const std::string raw =
+        ToUtf8(Escape(View(text), [this](std::wstring_view character) { return CanHold(m_encoding, character); }));
+    pugi::xml_node child = AppendElement(m_current, ToUtf8(View(name)).c_str());
+    if (!child)
+        return false;
+    if (!raw.empty() && !child.append_child(pugi::node_pcdata).set_value(raw.c_str())) {
+        Remove(child);
+        return false;
+    }
+    m_current = child;
+    m_last = {};
+    return true;
+}
+
+void XMLTree::RemoveCurrent()
+{
+    const pugi::xml_node removed = m_current;
+    if (!IsElement(removed))
+        return;
+    m_current = removed.parent();
+    m_last = {};
+    // Its line goes with it, unless no other is left to take the indentation from.
+    const pugi::xml_node before = removed.previous_sibling();
+    if (IsElement(m_current) && IsWhiteSpace(before) && (FirstElement(m_current) != removed || NextElement(removed)))
+        m_current.remove_child(before);
+    Remove(removed);
+}
+
+void XMLTree::RemoveAllChildren()
+{
+    m_last = {};
+    if (!IsElement(m_current))
+        return;
+    for (pugi::xml_node child = m_current.first_child(); child;) {
+        const pugi::xml_node next = child.next_sibling();
+        if (IsElement(child) || IsWhiteSpace(child))
+            Remove(child);
+        child = next;
+    }
+}
+
+void XMLTree::GoToChildAt(int index)
+{
+    if (index < 0)
+        return;
+    if (!m_last.child || m_last.child.parent() != m_current || m_last.index > index)
+        m_last = {FirstElement(m_current), 0};
+    while (m_last.child && m_last.index < index)
+        m_last = {NextElement(m_last.child), m_last.index + 1};
+    if (m_last.child)
+        m_current = m_last.child;
+}
+
+bool XMLTree::GoToChild(const CString& name, int index)
+{
+    const std::string wanted = ToUtf8(View(name));
+    pugi::xml_node child = ElementNamed(wanted, m_current.first_child());
+    for (; child && index > 0; --index)
+        child = ElementNamed(wanted, child.next_sibling());
+    if (child)
+        m_current = child;
+    return !child.empty();
+}
+
+bool XMLTree::GoToPath(const CString& path)
+{
+    const std::string text = ToUtf8(View(path));
+    std::vector<std::string_view> names = Names(text);
+    pugi::xml_node element = m_document.document_element();
+    if (!names.empty() && names.front() == element.name() && !ElementNamed(names.front(), element.first_child()))
+        names.erase(names.begin());
+    for (const std::string_view name : names)
+        element = ElementNamed(name, element.first_child());
+    if (element)
+        m_current = element;
+    return !element.empty();
+}
+
+void XMLTree::GetChildCount(int& count)
+{
+    count = static_cast<int>(std::count_if(m_current.begin(), m_current.end(), IsElement));
+}
+
+bool XMLTree::GetText(CString& text)
+{
+    text.Empty();
+    for (const pugi::xml_node child : m_current) {
+        if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata)
+            text += Text(child);
+    }
+    return IsElement(m_current);
+}
+
+void XMLTree::GoToParent()
+{
+    if (IsElement(m_current.parent()))
+        m_current = m_current.parent();
+}
+
+} // namespace xmlparser
