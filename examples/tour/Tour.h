@@ -40,6 +40,7 @@ void ShowText(Tour& tour);
 void ShowColors(Tour& tour);
 void ShowFiles(Tour& tour);
 void ShowSystem(Tour& tour);
+void ShowXmlConfig(Tour& tour);
 
 // The log file of the tour.
 std::wstring LogFile(const Tour& tour);

@@ -27,6 +27,7 @@ int wmain(int argc, wchar_t** argv)
     ShowLog(tour);
     ShowText(tour);
     ShowFiles(tour);
+    ShowXmlConfig(tour);
     ShowColors(tour);
     ShowSystem(tour);
     return tour.Summary() == 0 ? 0 : 1;

@@ -10,3 +10,4 @@
 #include "SystemInfo.h"
 #include "Text.h"
 #include "XMLParser.h"
+#include "XmlConfig.h"

@@ -61,6 +61,8 @@ int main()
     IXMLTreePtr tree;
     Check(CXMLTreeCreator::Allocate(tree) && tree->AddChild(L"config", L"") && tree->SaveFile(L"consumer.xml"),
           "an XML file is made");
+    KELPKIT::CXMLConfig config(L"consumer.xml");
+    Check(config.WriteXmlInt(7, L"count") && config.GetXmlInt(L"count") == 7, "a value is stored");
     const CXMLTreeCreator creator;
     Check(typeid(CXMLTreeCreator(creator)) == typeid(CXMLTreeCreator), "the creator's own parts are there");
 
