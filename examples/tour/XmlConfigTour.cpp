@@ -40,20 +40,20 @@ void ShowXmlConfig(Tour& tour)
         const int width = config.GetXmlInt(L"window/width");
         return Tour::Result{std::to_wstring(width), width == 1024};
     });
-    tour.Step(L"WriteXmlString, Chinese and a euro sign", [&] {
+    tour.Step(L"WriteXmlString of \u9F7F\u8F6E \u20AC", [&] {
         const bool isWritten = config.WriteXmlString(L"\u9F7F\u8F6E \u20AC", L"window/title");
         // The euro sign is not in GB 2312, so it is written as a reference.
         const bool isKept = Contents(path).find("<title>\xB3\xDD\xC2\xD6 &#x20AC;</title>") != std::string::npos;
         return Tour::Result{Text(isWritten) + L", still GB2312", isWritten && isKept};
     });
-    tour.Step(L"WriteShellXmlUsrs, then GetShellXmlUsrs", [&] {
+    tour.Step(L"Saved logins, there and back", [&] {
         config.WriteShellXmlUsrs({{L"\u738B", L"<\"&\">"}, {L"ann", L" blanks "}});
         std::vector<StUsrPwd> users;
         config.GetShellXmlUsrs(users);
         const bool isRight = users.size() == 2 && users[0].password == L"<\"&\">" && users[1].password == L" blanks ";
         return Tour::Result{std::to_wstring(users.size()) + L" logins, as given", isRight};
     });
-    tour.Step(L"IXMLTree: children of the document element", [&] {
+    tour.Step(L"IXMLTree, children of the top", [&] {
         IXMLTreePtr tree;
         int count = 0;
         if (CXMLTreeCreator::Allocate(tree) && tree->LoadFile(path.c_str()))

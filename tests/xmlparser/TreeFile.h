@@ -5,6 +5,8 @@
 #include "support/FileContents.h"
 #include "support/TempFolder.h"
 
+#include <gtest/gtest.h>
+
 #include <stdexcept>
 #include <string>
 
@@ -62,5 +64,35 @@ public:
 private:
     TempFolder m_folder;
 };
+
+// What the file holds after the tree made from it was edited and saved.
+template <class Edit>
+std::string Edited(const std::string& bytes, const Edit& edit)
+{
+    const TreeFile file(bytes);
+    const IXMLTreePtr tree = file.Tree();
+    edit(*tree);
+    EXPECT_TRUE(tree->SaveFile(file.Path()));
+    return file.Bytes();
+}
+
+inline std::string Saved(const std::string& bytes)
+{
+    return Edited(bytes, [](IXMLTree&) {});
+}
+
+inline int ChildCount(IXMLTree& tree)
+{
+    int count = -1;
+    tree.GetChildCount(count);
+    return count;
+}
+
+inline std::wstring TextOf(IXMLTree& tree)
+{
+    CString text = L"left from before";
+    tree.GetText(text);
+    return {text.GetString(), static_cast<std::size_t>(text.GetLength())};
+}
 
 } // namespace test

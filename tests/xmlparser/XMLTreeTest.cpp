@@ -14,38 +14,11 @@
 namespace
 {
 
+using test::ChildCount;
+using test::Edited;
 using test::NewTree;
+using test::TextOf;
 using test::TreeFile;
-
-// What the file holds after the tree made from it was edited and saved.
-template <class Edit>
-std::string Edited(const std::string& bytes, const Edit& edit)
-{
-    const TreeFile file(bytes);
-    const IXMLTreePtr tree = file.Tree();
-    edit(*tree);
-    EXPECT_TRUE(tree->SaveFile(file.Path()));
-    return file.Bytes();
-}
-
-std::string Saved(const std::string& bytes)
-{
-    return Edited(bytes, [](IXMLTree&) {});
-}
-
-int ChildCount(IXMLTree& tree)
-{
-    int count = -1;
-    tree.GetChildCount(count);
-    return count;
-}
-
-std::wstring TextOf(IXMLTree& tree)
-{
-    CString text = L"left from before";
-    tree.GetText(text);
-    return {text.GetString(), static_cast<std::size_t>(text.GetLength())};
-}
 
 } // namespace
 
@@ -87,17 +60,6 @@ TEST(XMLTree, IsReplacedByAllocate)
     EXPECT_TRUE(tree->AddChild(L"root", L""));
     EXPECT_TRUE(CXMLTreeCreator::Allocate(tree));
     EXPECT_FALSE(tree->GoToPath(L""));
-}
-
-TEST(XMLTree, IsEmptyAfterAFailedLoad)
-{
-    const TreeFile file("<a><b/></a>");
-    const IXMLTreePtr tree = file.Tree();
-    file.Write("<a>");
-    EXPECT_FALSE(tree->LoadFile(file.Path()));
-    EXPECT_FALSE(tree->GoToPath(L""));
-    EXPECT_FALSE(tree->SaveFile(file.Path()));
-    EXPECT_EQ(file.Bytes(), "<a>");
 }
 
 TEST(XMLTree, FindsElementsByPath)
@@ -335,175 +297,6 @@ TEST(XMLTree, KeepsElementsOnLinesOfTheirOwn)
     EXPECT_EQ(Edited("<r>\n</r>", anew(L"n")), "<r>\n<n>1</n>\n</r>");
     EXPECT_EQ(Edited("<r><a/></r>", anew(L"n")), "<r><a/><n>1</n></r>");
     EXPECT_EQ(Edited("<r/>", anew(L"n")), "<r><n>1</n></r>");
-}
-
-TEST(XMLTree, LeavesWhatIsNotNamed)
-{
-    const std::string file = "<?xml version=\"1.0\" encoding=\"utf-8\" standalone=\"yes\"?>\r\n"
-                             "<!DOCTYPE r SYSTEM \"r.dtd\" [\r\n  <!ENTITY e \"x\"> <!-- in here -->\r\n]>\r\n"
-                             "<!-- before -->\r\n<?pi some data ?>\r\n"
-                             "<r a=\"&lt;&quot;&#10;&e;'\" b=\" two  \tblanks \">\r\n"
-                             "  text &e; &#x41; &gt; > ' \"\r\n  <![CDATA[ <raw> & ]]>\r\n  <empty/>\r\n"
-                             "  <p:q xmlns:p=\"u\">中 \xF0\x9F\x98\x80</p:q>\r\n"
-                             "</r>\r\n<!-- behind -->\r\n<?last?>\r\n\r\n";
-    EXPECT_EQ(Saved(file), file);
-    std::string added = file;
-    added.insert(added.find("\r\n</r>"), "<n>1</n>");
-    EXPECT_EQ(Edited(file, [](IXMLTree& tree) { EXPECT_TRUE(tree.AddChild(L"n", L"1")); }), added);
-}
-
-TEST(XMLTree, MakesTagsUniform)
-{
-    EXPECT_EQ(Saved("<r  a='1'\n b = \"it's\" c='say \"x\"'><e></e><f />\n</r >"),
-              "<r a=\"1\" b=\"it's\" c=\"say &quot;x&quot;\"><e/><f/>\n</r>");
-}
-
-TEST(XMLTree, TakesAnAttributeOfManyQuotes)
-{
-    const std::size_t count = 1 << 20;
-    std::string escaped;
-    escaped.reserve(count * 6);
-    for (std::size_t i = 0; i < count; ++i)
-        escaped += "&quot;";
-    EXPECT_TRUE(Saved("<r a='" + std::string(count, '"') + "'/>") == "<r a=\"" + escaped + "\"/>");
-}
-
-TEST(XMLTree, LeavesErrorsInUtf8AsTheyAre)
-{
-    const TreeFile file("<r>\xC4\xE3\xFF<a/></r>");
-    EXPECT_EQ(file.Text(L"").empty(), false);
-    EXPECT_TRUE(file.Add(L"b", L"1"));
-    EXPECT_EQ(file.Bytes(), "<r>\xC4\xE3\xFF<a/><b>1</b></r>");
-}
-
-TEST(XMLTree, RefusesMalformedFiles)
-{
-    using namespace std::string_literals;
-    for (const std::string& bytes : {""s,
-                                     " "s,
-                                     "\n"s,
-                                     "x"s,
-                                     "<"s,
-                                     "<a"s,
-                                     "<a>"s,
-                                     "<a></b>"s,
-                                     "<a/><b/>"s,
-                                     "<a/>x"s,
-                                     "x<a/>"s,
-                                     "<a/>&"s,
-                                     "<a b></a>"s,
-                                     "<a b=c/>"s,
-                                     "<a b='1'c='2'/>"s,
-                                     "</a>"s,
-                                     "<a/></a>"s,
-                                     "<!-- <a/>"s,
-                                     "<a><![CDATA[</a>"s,
-                                     "<?xml version='1.0'?>"s,
-                                     "<a/><?xml version='1.0'?>"s,
-                                     " <?xml version='1.0'?><a/>"s,
-                                     "<a/>\0"s,
-                                     "<a>\0</a>"s,
-                                     "<a/><![CDATA[x]]>"s,
-                                     "\xEF\xBB\xBF"s,
-                                     "\xFF\xFE"s,
-                                     "<!DOCTYPE a"s,
-                                     "<!DOCTYPE a><!-- only -->"s,
-                                     "<?"s,
-                                     "<!"s,
-                                     "<a><"s}) {
-        EXPECT_FALSE(TreeFile(bytes).Loads()) << bytes;
-    }
-}
-
-TEST(XMLTree, RefusesEveryCutOfAFile)
-{
-    const std::string bytes =
-        R"(<?xml version="1.0"?><!DOCTYPE r []><r a="1"><!-- c --><b>t&lt;</b><![CDATA[x]]><?p i?></r>)";
-    const TreeFile file;
-    for (std::size_t size = 0; size < bytes.size(); ++size) {
-        file.Write(bytes.substr(0, size));
-        EXPECT_FALSE(file.Loads()) << bytes.substr(0, size);
-    }
-    file.Write(bytes);
-    EXPECT_TRUE(file.Loads());
-}
-
-TEST(XMLTree, RefusesWhatIsNoFile)
-{
-    const test::TempFolder folder;
-    const IXMLTreePtr tree = NewTree();
-    EXPECT_FALSE(tree->LoadFile(folder.Path().c_str()));
-    EXPECT_FALSE(tree->LoadFile((folder / L"missing.xml").c_str()));
-    EXPECT_FALSE(tree->LoadFile((folder / L"missing\\a.xml").c_str()));
-    EXPECT_FALSE(tree->LoadFile(L""));
-    EXPECT_FALSE(tree->LoadFile(L"NUL"));
-    EXPECT_FALSE(tree->LoadFile(L"?*"));
-}
-
-TEST(XMLTree, DoesNotExpandEntities)
-{
-    std::string bytes = "<!DOCTYPE r [<!ENTITY l0 \"lol\">";
-    for (int i = 1; i < 10; ++i) {
-        bytes += "<!ENTITY l" + std::to_string(i) + " \"";
-        for (int n = 0; n < 10; ++n)
-            bytes += "&l" + std::to_string(i - 1) + ";";
-        bytes += "\">";
-    }
-    bytes += "<!ENTITY f SYSTEM \"file:///c:/windows/win.ini\">]><r><a>&l9;</a><b>&f;</b></r>";
-    const TreeFile file(bytes);
-    EXPECT_EQ(file.Text(L"a"), L"&l9;");
-    EXPECT_EQ(file.Text(L"b"), L"&f;");
-    EXPECT_EQ(Saved(bytes), bytes);
-}
-
-TEST(XMLTree, TakesDeepTrees)
-{
-    constexpr int kDepth = 100000;
-    std::string bytes = "<r>";
-    for (int i = 0; i < kDepth; ++i)
-        bytes += "<a>";
-    bytes += "x";
-    for (int i = 0; i < kDepth; ++i)
-        bytes += "</a>";
-    bytes += "</r>";
-    EXPECT_EQ(Saved(bytes), bytes);
-    EXPECT_EQ(Edited(bytes,
-                     [](IXMLTree& tree) {
-                         EXPECT_TRUE(tree.GoToPath(L"a/a/a"));
-                         tree.RemoveCurrent();
-                     }),
-              "<r><a><a/></a></r>");
-    EXPECT_EQ(Edited(bytes, [](IXMLTree& tree) { tree.RemoveAllChildren(); }), "<r/>");
-}
-
-TEST(XMLTree, TakesALargeFile)
-{
-    constexpr std::size_t kSize = 200 << 20;
-    std::string bytes = "<r><first>1</first>";
-    const std::string row = "<row id=\"1\">" + std::string(1000, 'x') + "</row>\n";
-    bytes.reserve(kSize + row.size() + 100);
-    while (bytes.size() < kSize)
-        bytes += row;
-    bytes += "<last>2</last></r>";
-    const TreeFile file(bytes);
-    EXPECT_EQ(file.Text(L"first"), L"1");
-    EXPECT_EQ(file.Text(L"last"), L"2");
-}
-
-TEST(XMLTree, TakesManyChildrenInLinearTime)
-{
-    constexpr int kCount = 100000;
-    const IXMLTreePtr tree = NewTree();
-    EXPECT_TRUE(tree->AddChild(L"r", L""));
-    for (int i = 0; i < kCount; ++i) {
-        EXPECT_TRUE(tree->AddChild(L"a", CString(std::to_wstring(i).c_str())));
-        tree->GoToParent();
-    }
-    for (int i = 0; i < kCount; ++i) {
-        tree->GoToChildAt(i);
-        ASSERT_EQ(TextOf(*tree), std::to_wstring(i));
-        tree->GoToParent();
-    }
 }
 
 TEST(XMLTreeCreator, HasNoData)
