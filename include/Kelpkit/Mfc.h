@@ -5,6 +5,9 @@
 
 #if defined(_MSC_VER) && __has_include(<afxwin.h>)
 #include <afxwin.h>
+
+#include <atlcomtime.h>
 #else
+#include "mfc/COleDateTime.h"
 #include "mfc/CString.h"
 #endif
