@@ -41,6 +41,7 @@ void ShowColors(Tour& tour);
 void ShowFiles(Tour& tour);
 void ShowSystem(Tour& tour);
 void ShowXmlConfig(Tour& tour);
+void ShowTimes(Tour& tour);
 
 // The log file of the tour.
 std::wstring LogFile(const Tour& tour);

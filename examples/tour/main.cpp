@@ -30,5 +30,6 @@ int wmain(int argc, wchar_t** argv)
     ShowXmlConfig(tour);
     ShowColors(tour);
     ShowSystem(tour);
+    ShowTimes(tour);
     return tour.Summary() == 0 ? 0 : 1;
 }

@@ -3,6 +3,7 @@
 /// All of Kelpkit's public headers.
 
 #include "Color.h"
+#include "DateTime.h"
 #include "Files.h"
 #include "Log.h"
 #include "Mfc.h"

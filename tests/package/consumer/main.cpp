@@ -57,6 +57,8 @@ int main()
     Check(!KELPKIT::GetSysRoot().empty(), "the program's folder is known");
     Check(KELPKIT::GenerateUUID().size() == 36, "a UUID is generated");
     Check(CString(L"ab").GetLength() == 2, "the MFC types are there");
+    Check(KELPKIT::OleDateTimeToString(KELPKIT::StringToOleDateTime(L"2024-3-5")) == L"2024-03-05", "a date is read");
+    Check(KELPKIT::OleDateTimeToMS(COleDateTime(1970, 1, 1, 8, 0, 1)) == 1000, "milliseconds are counted");
 
     IXMLTreePtr tree;
     Check(CXMLTreeCreator::Allocate(tree) && tree->AddChild(L"config", L"") && tree->SaveFile(L"consumer.xml"),
