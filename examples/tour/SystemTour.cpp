@@ -33,6 +33,18 @@ void ShowSystem(Tour& tour)
         const std::wstring address = GetHostIP();
         return Tour::Result{address.empty() ? L"(the name does not resolve)" : address, true};
     });
+    tour.Step(L"GetCPUId", [&tour] {
+        const std::wstring id = GetCPUId();
+        return Tour::Result{tour.Identity(id), id.size() > 32 && id == GetCPUId()};
+    });
+    tour.Step(L"GetHDDId", [&tour] {
+        const std::wstring id = GetHDDId();
+        return Tour::Result{id.empty() ? L"(no disk tells)" : tour.Identity(id), id == GetHDDId()};
+    });
+    tour.Step(L"GetHardwareCode", [&tour] {
+        const std::wstring code = GetHardwareCode();
+        return Tour::Result{tour.Identity(code), code.size() % 33 == 32};
+    });
     tour.Step(L"GenerateUUID", [] {
         const std::wstring uuid = GenerateUUID();
         return Tour::Result{uuid, uuid.size() == 36 && uuid != GenerateUUID()};

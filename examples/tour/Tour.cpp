@@ -46,6 +46,14 @@ std::wstring Milliseconds(std::chrono::steady_clock::duration duration)
 
 } // namespace
 
+std::wstring Tour::Identity(const std::wstring& text) const
+{
+    constexpr std::size_t kShown = 4;
+    if (m_showsIdentity || text.size() <= kShown)
+        return text;
+    return text.substr(0, kShown) + L"... (" + std::to_wstring(text.size()) + L" characters, see --show)";
+}
+
 void Tour::Section(const std::wstring& title)
 {
     Print(L"\n" + title);

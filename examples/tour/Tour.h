@@ -13,10 +13,13 @@ public:
         bool right;
     };
 
-    explicit Tour(std::wstring folder) : m_folder(std::move(folder)) {}
+    Tour(std::wstring folder, bool showsIdentity) : m_folder(std::move(folder)), m_showsIdentity(showsIdentity) {}
 
     // The working folder, ending in a backslash.
     const std::wstring& Folder() const { return m_folder; }
+
+    // What identifies the machine, as it may be shown.
+    std::wstring Identity(const std::wstring& text) const;
 
     void Section(const std::wstring& title);
     void Step(const std::wstring& name, const std::function<Result()>& action);
@@ -29,6 +32,7 @@ public:
 
 private:
     std::wstring m_folder;
+    bool m_showsIdentity;
     int m_steps = 0;
     int m_wrong = 0;
 };

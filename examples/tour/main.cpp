@@ -1,9 +1,10 @@
 // A tour of Kelpkit: sets up the log, upgrades a model file, and shows each family of the library at work.
 //
-//     tour.exe [FOLDER]
+//     tour.exe [--show] [FOLDER]
 //
 // Works in FOLDER, or in a folder of its own below the temporary one, which it empties first. What it made stays there
-// to be looked at. Ends with exit code 1 if anything is not as it should be.
+// to be looked at. Of what identifies the machine it shows the first characters only, or with --show all. Ends with exit
+// code 1 if anything is not as it should be.
 
 #include "Tour.h"
 
@@ -16,11 +17,14 @@ using namespace KELPKIT;
 int wmain(int argc, wchar_t** argv)
 {
     ::SetConsoleOutputCP(CP_UTF8);
-    const std::wstring folder = argc > 1 ? argv[1] : GetTempPathW() + L"Kelpkit 之旅 tour";
-    if (argc == 1)
+    const bool showsIdentity = argc > 1 && argv[1] == std::wstring(L"--show");
+    const int folderArgument = showsIdentity ? 2 : 1;
+    const bool isFolderGiven = argc > folderArgument;
+    const std::wstring folder = isFolderGiven ? argv[folderArgument] : GetTempPathW() + L"Kelpkit 之旅 tour";
+    if (!isFolderGiven)
         DeleteDirectory(folder);
 
-    Tour tour(folder + L"\\");
+    Tour tour(folder + L"\\", showsIdentity);
     Tour::Note(L"Kelpkit's tour under ANSI code page " + std::to_wstring(::GetACP()) + L", working in");
     Tour::Note(tour.Folder());
     ShowModelUpgrade(tour);

@@ -1,10 +1,10 @@
 #pragma once
 
 /// The running system: where the host program is, the temporary folder, names and addresses, the Windows version;
-/// UUIDs.
+/// identifiers of the hardware; UUIDs.
 ///
-/// No function keeps state; each may be called from any thread. None throws anything but std::bad_alloc and
-/// std::length_error, save where it says so; failures give an empty text or false.
+/// None throws anything but std::bad_alloc and std::length_error, save where it says so; failures give an empty text or
+/// false. Each may be called from any thread and keeps no state, save for the identifiers of the hardware.
 
 #include "Export.h"
 
@@ -48,6 +48,33 @@ KELPKIT_API bool IsWindows7();
 
 /// Whether Windows reports version 6.2 exactly.
 KELPKIT_API bool IsWindows8();
+
+// Hardware
+//
+// What the machine says of its processor and disks, asked for once in the life of the process: later calls give the
+// same, whatever was plugged in since. There is no lock; the first calls must not be made by several threads at once.
+// What changes these identifiers, and what they are good for, is told in the guide (docs/system.md).
+
+/// The processor: vendor, signature, feature flags and serial number, the last three as the CPUID instruction gives
+/// them, in upper-case hexadecimal digits: "GenuineIntel-000306C3-BFEBFBFF-0000000000000000". All processors of one
+/// model have the same. Empty if the instruction faults; the next call then tries again.
+KELPKIT_API std::wstring GetCPUId();
+
+/// The first disk, as its model, a hyphen and its serial number, both without spaces around them; empty if no disk tells.
+/// Drives on USB and behind RAID controllers are left out.
+///
+/// Where the process may write to the first drive, as administrators may, the drives are asked themselves. The
+/// characters then stand as the drive stores them, exchanged in pairs: the model "ST1000DM003" is "TS0100MD00 3".
+/// Otherwise Windows is asked, and the model is empty as a rule: "-WD-WCC4N1234567". So the same disk has two
+/// identifiers. May initialise COM's security for the process; COM itself is afterwards as it was.
+KELPKIT_API std::wstring GetHDDId();
+
+/// A code for processor and disks together: for each disk, of which GetHDDId gives the first, the MD5 digest
+/// (BuildMd5Code, Text.h) of GetCPUId with the disk's identifier behind it, joined by "-". 32 characters with one disk,
+/// 65 with two. Without any disk it is the digest of GetCPUId alone.
+KELPKIT_API std::wstring GetHardwareCode();
+
+// UUIDs
 
 /// A new random UUID (RFC 4122, version 4), such as "0f8fad5b-d9cb-469f-a165-70867728950e": 36 characters, hexadecimal
 /// digits in lower case. Every call seeds a generator of its own from the system's random numbers. Should the system

@@ -10,6 +10,7 @@
 #include <windows.h>
 
 #include <cstddef>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -90,6 +91,19 @@ TEST(Library, LogsBetweenLoadingAndUnloading)
         ASSERT_TRUE(::FreeLibrary(module)) << test::LastErrorText();
     }
     EXPECT_EQ(test::ReadFileBytes(logFile), expected);
+}
+
+TEST(Library, LeavesNoExceptionHandlerBehind)
+{
+    const HMODULE module = ::LoadLibraryW(Dll().c_str());
+    ASSERT_NE(module, nullptr) << test::LastErrorText();
+    const auto getCpuId = reinterpret_cast<std::wstring (*)()>(
+        reinterpret_cast<void*>(::GetProcAddress(module, "_ZN7KELPKIT8GetCPUIdB5cxx11Ev")));
+    ASSERT_NE(getCpuId, nullptr);
+    EXPECT_NE(getCpuId(), L"") << "which is asked for under a handler";
+    ASSERT_TRUE(::FreeLibrary(module)) << test::LastErrorText();
+    // An exception passes by every handler of the process.
+    EXPECT_THROW(throw std::runtime_error("text"), std::runtime_error);
 }
 #endif
 

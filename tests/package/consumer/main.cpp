@@ -56,6 +56,9 @@ int main()
     Check(KELPKIT::CheckFolderExis(L"C:\\Windows"), "a folder is found");
     Check(!KELPKIT::GetSysRoot().empty(), "the program's folder is known");
     Check(KELPKIT::GenerateUUID().size() == 36, "a UUID is generated");
+    Check(KELPKIT::GetCPUId().size() > 32, "the processor says who it is");
+    Check(KELPKIT::GetHDDId() == KELPKIT::GetHDDId(), "the disks are asked once");
+    Check(KELPKIT::GetHardwareCode().size() >= 32, "the hardware has a code");
     Check(CString(L"ab").GetLength() == 2, "the MFC types are there");
     Check(KELPKIT::OleDateTimeToString(KELPKIT::StringToOleDateTime(L"2024-3-5")) == L"2024-03-05", "a date is read");
     Check(KELPKIT::OleDateTimeToMS(COleDateTime(1970, 1, 1, 8, 0, 1)) == 1000, "milliseconds are counted");

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "Kelpkit/Mfc.h"
+
+#include <vector>
+
+namespace KELPKIT
+{
+
+// The models of the disks as WMI has them, in its order; empty where any step of the query fails. COM must be running
+// on the thread.
+std::vector<CString> QueryDiskModels();
+
+} // namespace KELPKIT

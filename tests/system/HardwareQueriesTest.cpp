@@ -1,0 +1,40 @@
+#include <Kelpkit/SystemInfo.h>
+
+#include <gtest/gtest.h>
+
+#include <intrin.h>
+
+#include <cstdio>
+#include <cstring>
+#include <regex>
+#include <string>
+
+using namespace KELPKIT;
+
+TEST(GetCPUId, IsWhatTheProcessorSays)
+{
+    int leaf0[4];
+    int leaf1[4];
+    int leaf3[4];
+    __cpuid(leaf0, 0);
+    __cpuid(leaf1, 1);
+    __cpuid(leaf3, 3);
+    char vendor[13] = {};
+    const int words[] = {leaf0[1], leaf0[3], leaf0[2]};
+    std::memcpy(vendor, words, sizeof words);
+    wchar_t expected[64];
+    std::swprintf(expected, std::size(expected), L"%hs-%08X-%08X-%08X%08X", vendor, leaf1[0], leaf1[3], leaf3[3],
+                  leaf3[2]);
+    EXPECT_EQ(GetCPUId(), expected);
+}
+
+TEST(GetCPUId, HasFourPartsTheLastOfSixteenDigits)
+{
+    EXPECT_TRUE(std::regex_match(GetCPUId(), std::wregex(L"[^-]{1,12}-[0-9A-F]{8}-[0-9A-F]{8}-[0-9A-F]{16}")))
+        << testing::PrintToString(GetCPUId());
+}
+
+TEST(GetCPUId, IsTheSameInEveryCall)
+{
+    EXPECT_EQ(GetCPUId(), GetCPUId());
+}
