@@ -1,10 +1,10 @@
 #include "File.h"
 
+#include "Handle.h"
 #include "WindowsApi.h"
 
 #include <algorithm>
 #include <cstddef>
-#include <memory>
 #include <vector>
 
 namespace xmlparser
@@ -14,17 +14,6 @@ namespace
 
 constexpr const wchar_t* kTemporarySuffix = L".saving";
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-
-struct HandleCloser {
-    using pointer = HANDLE;
-    void operator()(HANDLE handle) const { ::CloseHandle(handle); }
-};
-using FileHandle = std::unique_ptr<HANDLE, HandleCloser>;
-
-FileHandle Opened(HANDLE handle)
-{
-    return FileHandle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
-}
 
 // Says how long to go on trying where somebody has a file open: below a second, all told.
 class Patience
@@ -95,10 +84,10 @@ bool WriteAll(HANDLE file, std::string_view bytes)
 bool WriteBeside(const std::wstring& temporary, Heritage& heritage, std::string_view bytes, const Patience& patience)
 {
     const auto create = [&] {
-        return Opened(::CreateFileW(temporary.c_str(), GENERIC_WRITE, 0, heritage.Security(), CREATE_NEW,
-                                    heritage.Attributes(), nullptr));
+        return FileHandle(::CreateFileW(temporary.c_str(), GENERIC_WRITE, 0, heritage.Security(), CREATE_NEW,
+                                        heritage.Attributes(), nullptr));
     };
-    FileHandle file = create();
+    Handle file = create();
     while (file == nullptr && ::GetLastError() == ERROR_FILE_EXISTS && patience.Wait()) {
         ::DeleteFileW(temporary.c_str());
         file = create();
@@ -116,7 +105,7 @@ bool WriteBeside(const std::wstring& temporary, Heritage& heritage, std::string_
 
 bool ReadWholeFile(const wchar_t* path, std::string& bytes)
 {
-    const FileHandle file = Opened(
+    const Handle file = FileHandle(
         ::CreateFileW(path, GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
     if (file == nullptr)
         return false;

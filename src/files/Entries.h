@@ -1,8 +1,8 @@
 #pragma once
 
-#include "WindowsApi.h"
+#include "Kelpkit/Mfc.h" // before windows.h, as MFC wants it
 
-#include "Kelpkit/Mfc.h"
+#include "WindowsApi.h"
 #if !defined(_AFX) // MFC's own headers define it
 #include "mfc/CFileFind.h"
 #endif

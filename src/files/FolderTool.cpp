@@ -2,9 +2,10 @@
 
 #include "files/Entries.h"
 
+#include "Handle.h"
+
 #include <algorithm>
 #include <locale>
-#include <memory>
 
 namespace KELPKIT
 {
@@ -52,10 +53,6 @@ void MakeAnew(const std::wstring& folder)
     ::CreateDirectoryW(folder.c_str(), nullptr);
 }
 
-struct HandleCloser {
-    void operator()(HANDLE handle) const { ::CloseHandle(handle); }
-};
-
 } // namespace
 
 // What makes a folder itself, by whatever path it is reached.
@@ -63,12 +60,9 @@ struct CFileFolderManageTool::FolderIdentity {
     explicit FolderIdentity(const std::wstring& path)
     {
         constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-        const HANDLE handle =
-            ::CreateFileW(path.c_str(), 0, kShareAll, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
-        if (handle == INVALID_HANDLE_VALUE)
-            return;
-        const std::unique_ptr<void, HandleCloser> closer(handle);
-        isKnown = ::GetFileInformationByHandle(handle, &information) != FALSE;
+        const Handle folder = FileHandle(
+            ::CreateFileW(path.c_str(), 0, kShareAll, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+        isKnown = folder != nullptr && ::GetFileInformationByHandle(folder.get(), &information) != FALSE;
     }
 
     bool operator==(const FolderIdentity& other) const

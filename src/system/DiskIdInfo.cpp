@@ -1,5 +1,6 @@
 #include "system/DiskIdInfo.h"
 
+#include "Handle.h"
 #include "Kelpkit/Text.h"
 #include "system/Com.h"
 #include "system/DescriptorText.h"
@@ -10,7 +11,6 @@
 #include <winioctl.h>
 
 #include <cstddef>
-#include <memory>
 #include <string>
 
 namespace KELPKIT
@@ -21,19 +21,12 @@ namespace
 constexpr int kDrives = 16;
 constexpr DWORD kReadAndWrite = GENERIC_READ | GENERIC_WRITE;
 
-struct HandleCloser {
-    void operator()(HANDLE handle) const { ::CloseHandle(handle); }
-};
-
-using Device = std::unique_ptr<void, HandleCloser>;
-
 // Null where the drive cannot be opened.
-Device OpenDrive(int drive, DWORD access)
+Handle OpenDrive(int drive, DWORD access)
 {
     const std::wstring path = L"\\\\.\\PhysicalDrive" + std::to_wstring(drive);
-    const HANDLE handle =
-        ::CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
-    return Device(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
+    return FileHandle(
+        ::CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr));
 }
 
 bool Control(HANDLE device, DWORD code, void* input, DWORD inputSize, void* output, DWORD outputSize)
@@ -119,7 +112,7 @@ std::vector<CString> CDiskIDInfo::DiskIds()
 
 bool CDiskIDInfo::AskBySmart(int drive, CString& id)
 {
-    const Device device = OpenDrive(drive, kReadAndWrite);
+    const Handle device = OpenDrive(drive, kReadAndWrite);
     GETVERSIONINPARAMS version = {};
     if (device == nullptr || !Control(device.get(), SMART_GET_VERSION, nullptr, 0, &version, sizeof version))
         return false;
@@ -148,7 +141,7 @@ void CDiskIDInfo::ReadModels()
 
 bool CDiskIDInfo::AskByStorageQuery(int drive, CString& id)
 {
-    const Device device = OpenDrive(drive, 0);
+    const Handle device = OpenDrive(drive, 0);
     alignas(STORAGE_DEVICE_DESCRIPTOR) char buffer[10000] = {};
     if (device == nullptr || !QueryDescriptor(device.get(), buffer, sizeof buffer))
         return false;
