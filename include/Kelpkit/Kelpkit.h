@@ -2,6 +2,7 @@
 
 /// All of Kelpkit's public headers.
 
+#include "ChildExe.h"
 #include "Color.h"
 #include "DateTime.h"
 #include "Files.h"

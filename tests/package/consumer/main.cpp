@@ -27,6 +27,19 @@ protected:
     void append(const log4cplus::spi::InternalLoggingEvent&) override { ++count; }
 };
 
+// Not to be deleted as its base.
+class ClosingChild final : public KELPKIT::ChildExe
+{
+public:
+    bool CloseSubWindow() override
+    {
+        closed = true;
+        return ChildExe::CloseSubWindow();
+    }
+
+    bool closed = false;
+};
+
 int g_failures = 0;
 
 void Check(bool passed, const char* what)
@@ -47,6 +60,10 @@ int main()
     Check(KELPKIT::ALargeB(L"1.10", L"1.9") == 1, "versions are compared");
 
     Check(KELPKIT::HexColorToREF(L"#FF8000") == 0x0080FF, "a colour is read");
+
+    ClosingChild child;
+    Check(!child.CreateSubWindow(nullptr, L"program.exe") && child.closed, "a derived class closes its child program");
+    Check(child.HasSubWindow() == 0 && !child.AddSubWindow(CRect(0, 0, 100, 100)), "nothing is hosted");
 
     auto* const appender = new CountingAppender;
     log4cplus::Logger::getInstance(L"log").addAppender(log4cplus::SharedAppenderPtr(appender));
