@@ -1,21 +1,13 @@
 #include "Painter.h"
 
 #include "Colors.h"
-#include "Handles.h"
+#include "Drawing.h"
 
 #include <string>
 #include <vector>
 
 namespace
 {
-
-constexpr COLORREF kBackground = RGB(0xE2, 0xE4, 0xE7);
-constexpr COLORREF kStatusBackground = RGB(0xF6, 0xF7, 0xF8);
-constexpr COLORREF kLine = RGB(0xB8, 0xBC, 0xC2);
-constexpr COLORREF kText = RGB(0x22, 0x25, 0x2A);
-constexpr COLORREF kFaintText = RGB(0x58, 0x5D, 0x66);
-constexpr COLORREF kAlarmText = RGB(0xB0, 0x20, 0x20);
-constexpr COLORREF kWhite = RGB(0xFF, 0xFF, 0xFF);
 
 // Lengths of the design.
 constexpr int kSmallText = 14;
@@ -34,27 +26,27 @@ COLORREF TextColorOn(COLORREF color)
 {
     // The eye takes green for the brightest component and blue for the darkest.
     const int brightness = (299 * GetRValue(color) + 587 * GetGValue(color) + 114 * GetBValue(color)) / 1000;
-    return brightness > 140 ? kText : kWhite;
+    return brightness > 140 ? style::kText : style::kWhite;
 }
 
 class Painter
 {
 public:
     Painter(HDC dc, const Grid& grid)
-        : m_dc(dc), m_grid(grid), m_smallFont(MakeFont(kSmallText)), m_largeFont(MakeFont(kLargeText))
+        : m_dc(dc), m_grid(grid), m_smallFont(MakeFont(grid.Scaled(kSmallText))),
+          m_largeFont(MakeFont(grid.Scaled(kLargeText)))
     {
-        ::SetBkMode(dc, TRANSPARENT);
     }
 
     void PaintGrid() const
     {
-        Fill(m_grid.Area(), kBackground);
+        Fill(m_dc, m_grid.Area(), style::kBackground);
         for (int column = 0; column < Grid::kColumns; ++column)
-            Write(std::to_wstring(Grid::HeadingOf(column)), m_grid.Heading(column), kFaintText, DT_CENTER);
+            Write(std::to_wstring(Grid::HeadingOf(column)), m_grid.Heading(column), style::kFaintText, DT_CENTER);
         for (int row = 0; row < Grid::kRows; ++row)
-            Write(L"+" + std::to_wstring(Grid::OffsetOf(row)), m_grid.RowLabel(row), kFaintText, DT_LEFT);
-        Write(L"Named colours", m_grid.NamedCaption(), kFaintText, DT_LEFT);
-        Write(L"Greys", m_grid.GreyCaption(), kFaintText, DT_LEFT);
+            Write(L"+" + std::to_wstring(Grid::OffsetOf(row)), m_grid.RowLabel(row), style::kFaintText, DT_LEFT);
+        Write(L"Named colours", m_grid.NamedCaption(), style::kFaintText, DT_LEFT);
+        Write(L"Greys", m_grid.GreyCaption(), style::kFaintText, DT_LEFT);
         for (int index = Grid::kFirst; index <= Grid::kLast; ++index)
             PaintCell(index);
     }
@@ -63,19 +55,19 @@ public:
     void PaintSelection(int index) const
     {
         const RECT cell = m_grid.Cell(index);
-        Fill(Inflated(cell, m_grid.Scaled(4)), kText);
-        Fill(Inflated(cell, m_grid.Scaled(2)), kWhite);
+        Fill(m_dc, Inflated(cell, m_grid.Scaled(4)), style::kText);
+        Fill(m_dc, Inflated(cell, m_grid.Scaled(2)), style::kWhite);
         PaintCell(index);
     }
 
     void PaintStatus(const View& view) const
     {
         const RECT bar = m_grid.StatusBar();
-        Fill(bar, kStatusBackground);
-        Fill({bar.left, bar.top, bar.right, bar.top + m_grid.Scaled(1)}, kLine);
+        Fill(m_dc, bar, style::kBarBackground);
+        Fill(m_dc, {bar.left, bar.top, bar.right, bar.top + m_grid.Scaled(1)}, style::kLine);
         if (view.selected == 0) {
             Write(L"Point at a colour, or use the arrow keys. Click, Ctrl+C or Enter copies its values. Esc closes.",
-                  StatusPart(kIndent), kFaintText, DT_LEFT);
+                  StatusPart(kIndent), style::kFaintText, DT_LEFT);
             return;
         }
         PaintSwatch(CadColor(view.selected));
@@ -86,44 +78,23 @@ public:
     }
 
 private:
-    GdiObject<HFONT> MakeFont(int size) const
-    {
-        return GdiObject<HFONT>(::CreateFontW(-m_grid.Scaled(size), 0, 0, 0, FW_NORMAL, FALSE, FALSE, FALSE,
-                                              DEFAULT_CHARSET, OUT_DEFAULT_PRECIS, CLIP_DEFAULT_PRECIS,
-                                              ANTIALIASED_QUALITY, DEFAULT_PITCH | FF_SWISS, L"Segoe UI"));
-    }
-
-    void Fill(const RECT& rectangle, COLORREF color) const
-    {
-        ::SetDCBrushColor(m_dc, color);
-        ::FillRect(m_dc, &rectangle, static_cast<HBRUSH>(::GetStockObject(DC_BRUSH)));
-    }
-
-    void WriteWith(HFONT font, const std::wstring& text, RECT rectangle, COLORREF color, UINT alignment) const
-    {
-        const Selection selection(m_dc, font);
-        ::SetTextColor(m_dc, color);
-        ::DrawTextW(m_dc, text.c_str(), static_cast<int>(text.size()), &rectangle,
-                    alignment | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
-    }
-
     void Write(const std::wstring& text, const RECT& rectangle, COLORREF color, UINT alignment) const
     {
-        WriteWith(m_smallFont.get(), text, rectangle, color, alignment);
+        ::Write(m_dc, m_smallFont.get(), text, rectangle, color, alignment);
     }
 
     void WriteLarge(const std::wstring& text, const RECT& rectangle) const
     {
-        WriteWith(m_largeFont.get(), text, rectangle, kText, DT_LEFT);
+        ::Write(m_dc, m_largeFont.get(), text, rectangle, style::kText, DT_LEFT);
     }
 
     void PaintCell(int index) const
     {
         const RECT cell = m_grid.Cell(index);
         const COLORREF color = CadColor(index);
-        Fill(cell, color);
+        Fill(m_dc, cell, color);
         if (!Grid::IsHue(index))
-            WriteWith(m_largeFont.get(), std::to_wstring(index), cell, TextColorOn(color), DT_CENTER);
+            ::Write(m_dc, m_largeFont.get(), std::to_wstring(index), cell, TextColorOn(color), DT_CENTER);
     }
 
     // The status bar from a length of the design on.
@@ -142,8 +113,8 @@ private:
         swatch.top += (swatch.bottom - swatch.top - size) / 2;
         swatch.bottom = swatch.top + size;
         swatch.right = swatch.left + size;
-        Fill(Inflated(swatch, m_grid.Scaled(1)), kLine);
-        Fill(swatch, color);
+        Fill(m_dc, Inflated(swatch, m_grid.Scaled(1)), style::kLine);
+        Fill(m_dc, swatch, color);
     }
 
     void PaintNotice(Notice notice) const
@@ -151,11 +122,11 @@ private:
         const RECT part = StatusPart(kNoticeStart);
         switch (notice) {
         case Notice::kNone:
-            return Write(L"Click or Ctrl+C copies", part, kFaintText, DT_RIGHT);
+            return Write(L"Click or Ctrl+C copies", part, style::kFaintText, DT_RIGHT);
         case Notice::kCopied:
-            return Write(L"Copied to the clipboard", part, kText, DT_RIGHT);
+            return Write(L"Copied to the clipboard", part, style::kText, DT_RIGHT);
         case Notice::kNotCopied:
-            return Write(L"The clipboard is in use", part, kAlarmText, DT_RIGHT);
+            return Write(L"The clipboard is in use", part, style::kAlarmText, DT_RIGHT);
         }
     }
 
