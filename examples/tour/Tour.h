@@ -43,6 +43,7 @@ void ShowLog(Tour& tour);
 void ShowText(Tour& tour);
 void ShowColors(Tour& tour);
 void ShowFiles(Tour& tour);
+void ShowChildPrograms(Tour& tour);
 void ShowSystem(Tour& tour);
 void ShowXmlConfig(Tour& tour);
 void ShowTimes(Tour& tour);

@@ -33,6 +33,7 @@ int wmain(int argc, wchar_t** argv)
     ShowFiles(tour);
     ShowXmlConfig(tour);
     ShowColors(tour);
+    ShowChildPrograms(tour);
     ShowSystem(tour);
     ShowTimes(tour);
     return tour.Summary() == 0 ? 0 : 1;
