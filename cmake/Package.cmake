@@ -27,7 +27,7 @@ if(MINGW)
   cmake_path(NORMAL_PATH log4cplus_prefix)
   install(DIRECTORY "${log4cplus_prefix}/include/log4cplus" TYPE INCLUDE)
   install(DIRECTORY "${log4cplus_DIR}" DESTINATION "${CMAKE_INSTALL_LIBDIR}/cmake")
-  install(DIRECTORY "${log4cplus_prefix}/lib/" TYPE LIB FILES_MATCHING PATTERN "liblog4cplus*.dll.a")
+  install(FILES $<TARGET_LINKER_FILE:${KELPKIT_LOG4CPLUS}> TYPE LIB)
 
   # The licences of what is shipped.
   install(DIRECTORY "${log4cplus_prefix}/share/licenses/log4cplus" DESTINATION "${licenses_dir}")
