@@ -2,6 +2,7 @@
 
 #include "WindowsApi.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <utility>
 
@@ -51,7 +52,14 @@ bool UnitsToUtf8(const wchar_t* units, std::size_t count, std::string& utf8)
 // GB 18030 holds GBK, whose table Windows has where it lacks that one (Wine does).
 unsigned KnownCodePage(unsigned codePage)
 {
-    return codePage == Encoding::kGb18030 && !::IsValidCodePage(codePage) ? Encoding::kGbk : codePage;
+    static const bool s_hasGb18030 = ::IsValidCodePage(Encoding::kGb18030) != FALSE;
+    return codePage == Encoding::kGb18030 && !s_hasGb18030 ? Encoding::kGbk : codePage;
+}
+
+// GBK has places of its users' own where GB 18030 has characters.
+bool HasPrivateUse(std::wstring_view text)
+{
+    return std::any_of(text.begin(), text.end(), [](wchar_t unit) { return unit >= 0xE000 && unit <= 0xF8FF; });
 }
 
 // Whether the code page can tell what it cannot hold: GB 18030 holds everything, and refuses to be asked.
@@ -78,8 +86,10 @@ bool ToUtf8(const Encoding& encoding, std::string& file)
     if (encoding.codePage == Encoding::kUtf8)
         return true;
     if (!encoding.IsUtf16()) {
+        const unsigned codePage = KnownCodePage(encoding.codePage);
         std::wstring units;
-        return ToUnits(KnownCodePage(encoding.codePage), file, units) && UnitsToUtf8(units.data(), units.size(), file);
+        return ToUnits(codePage, file, units) && (codePage == encoding.codePage || !HasPrivateUse(units)) &&
+               UnitsToUtf8(units.data(), units.size(), file);
     }
     if (file.size() % sizeof(wchar_t) != 0)
         return false;
@@ -129,13 +139,16 @@ bool CanHold(const Encoding& encoding, std::wstring_view character)
         return encoding.part != Encoding::Part::kAscii;
     if (encoding.IsUtf16() || !HasGaps(codePage))
         return true;
-    char bytes[4];
-    BOOL replaced = FALSE;
-    const int size = ::WideCharToMultiByte(codePage, WC_NO_BEST_FIT_CHARS, character.data(), Length(character.size()),
-                                           bytes, sizeof bytes, nullptr, &replaced);
-    const auto byte = [&](int index) { return static_cast<unsigned char>(bytes[index]); };
-    if (size <= 0 || replaced != FALSE)
+    if (codePage != encoding.codePage && HasPrivateUse(character))
         return false;
+    char bytes[4];
+    const int size = ::WideCharToMultiByte(codePage, WC_NO_BEST_FIT_CHARS, character.data(), Length(character.size()),
+                                           bytes, sizeof bytes, nullptr, nullptr);
+    // Windows writes some characters as bytes that it refuses to read.
+    std::wstring back;
+    if (size <= 0 || !ToUnits(codePage, {bytes, static_cast<std::size_t>(size)}, back) || back != character)
+        return false;
+    const auto byte = [&](int index) { return static_cast<unsigned char>(bytes[index]); };
     if (encoding.part == Encoding::Part::kGb2312)
         return size == 2 && byte(0) >= 0xA1 && byte(0) <= 0xF7 && byte(1) >= 0xA1;
     // Windows' GBK has the euro sign as the byte 80, which is no part of the standards.

@@ -19,6 +19,7 @@ struct NamedEncoding {
 
 constexpr NamedEncoding kNamedEncodings[] = {
     {"utf-8", Encoding::kUtf8},
+    {"utf8", Encoding::kUtf8},
     {"us-ascii", Encoding::kUtf8, Encoding::Part::kAscii},
     {"gb2312", Encoding::kGbk, Encoding::Part::kGb2312},
     {"gbk", Encoding::kGbk},

@@ -144,6 +144,11 @@ bool IsAllWhiteSpace(const char* text)
     return *text != '\0' && text[std::strspn(text, " \t\r\n")] == '\0';
 }
 
+bool IsIndentingWhiteSpace(const char* text)
+{
+    return IsAllWhiteSpace(text) && std::strpbrk(text, "\r\n") != nullptr;
+}
+
 std::wstring Escape(std::wstring_view text, const std::function<bool(std::wstring_view)>& canHold)
 {
     std::wstring escaped;

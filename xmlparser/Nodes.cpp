@@ -2,7 +2,7 @@
 
 #include "Markup.h"
 
-#include <string>
+#include <cstring>
 
 namespace xmlparser
 {
@@ -19,14 +19,91 @@ bool IsElementNamed(std::string_view name, pugi::xml_node node)
     return *own == '\0' && IsElement(node);
 }
 
-// The node behind it in document order.
-pugi::xml_node Next(pugi::xml_node node)
+// Whether the element's white space is there to be looked at, and not its author's.
+bool MayIndent(pugi::xml_node element)
 {
-    if (node.first_child())
-        return node.first_child();
-    while (node && !node.next_sibling())
-        node = node.parent();
-    return node.next_sibling();
+    while (element && element.attribute("xml:space").empty())
+        element = element.parent();
+    return std::strcmp(element.attribute("xml:space").value(), "preserve") != 0;
+}
+
+bool IsIndentation(pugi::xml_node node)
+{
+    return node.type() == pugi::node_pcdata && IsIndentingWhiteSpace(node.value()) && MayIndent(node.parent());
+}
+
+// Gathers many short texts into one; much faster than the string itself.
+class Output
+{
+public:
+    explicit Output(std::string& text) : m_text(text) {}
+
+    void Put(char c)
+    {
+        if (m_used == sizeof m_chunk)
+            Flush();
+        m_chunk[m_used++] = c;
+    }
+    void Put(const char* text)
+    {
+        while (*text != '\0')
+            Put(*text++);
+    }
+    void Flush()
+    {
+        m_text.append(m_chunk, m_used);
+        m_used = 0;
+    }
+
+private:
+    std::string& m_text;
+    std::size_t m_used = 0;
+    char m_chunk[4096];
+};
+
+template <class... Pieces>
+void Put(Output& output, const Pieces&... pieces)
+{
+    (output.Put(pieces), ...);
+}
+
+void WriteAttributes(pugi::xml_node node, Output& output)
+{
+    for (const pugi::xml_attribute attribute : node.attributes()) {
+        // They are held as they stood in the file: a double quote can only come from between single ones.
+        const char quote = std::strchr(attribute.value(), '"') == nullptr ? '"' : '\'';
+        Put(output, ' ', attribute.name(), '=', quote, attribute.value(), quote);
+    }
+}
+
+void WriteStart(pugi::xml_node node, Output& output)
+{
+    switch (node.type()) {
+    case pugi::node_element:
+        Put(output, '<', node.name());
+        WriteAttributes(node, output);
+        Put(output, node.first_child() ? ">" : "/>");
+        break;
+    case pugi::node_cdata:
+        Put(output, "<![CDATA[", node.value(), "]]>");
+        break;
+    case pugi::node_comment:
+        Put(output, "<!--", node.value(), "-->");
+        break;
+    case pugi::node_pi:
+        Put(output, "<?", node.name(), *node.value() == '\0' ? "" : " ", node.value(), "?>");
+        break;
+    case pugi::node_declaration:
+        Put(output, "<?", node.name());
+        WriteAttributes(node, output);
+        Put(output, "?>");
+        break;
+    case pugi::node_doctype:
+        Put(output, "<!DOCTYPE ", node.value(), '>');
+        break;
+    default:
+        Put(output, node.value());
+    }
 }
 
 } // namespace
@@ -74,23 +151,6 @@ bool IsDocument(const pugi::xml_document& document)
     return elements == 1;
 }
 
-bool EscapeQuotes(const pugi::xml_document& document)
-{
-    for (pugi::xml_node node = document.first_child(); node; node = Next(node)) {
-        for (pugi::xml_attribute attribute : node.attributes()) {
-            const std::string_view value = attribute.value();
-            if (value.find('"') == value.npos)
-                continue;
-            std::string escaped;
-            for (const char c : value)
-                c == '"' ? escaped.append("&quot;") : escaped.append(1, c);
-            if (!attribute.set_value(escaped.c_str()))
-                return false;
-        }
-    }
-    return true;
-}
-
 // From the leaves upward: the parser's own removal recurses, which deep trees would make overflow the stack.
 void Remove(pugi::xml_node node)
 {
@@ -105,21 +165,46 @@ void Remove(pugi::xml_node node)
     }
 }
 
+void RemoveElement(pugi::xml_node element)
+{
+    pugi::xml_node parent = element.parent();
+    const pugi::xml_node before = element.previous_sibling();
+    if (IsIndentation(before) && (FirstElement(parent) != element || NextElement(element)))
+        parent.remove_child(before);
+    Remove(element);
+}
+
 pugi::xml_node AppendElement(pugi::xml_node parent, const char* name)
 {
     const pugi::xml_node end = parent.last_child();
-    pugi::xml_node child = IsWhiteSpace(end) ? parent.insert_child_before(pugi::node_element, end)
-                                             : parent.append_child(pugi::node_element);
+    const bool isIndented = IsIndentation(end);
+    const pugi::xml_node first = parent.first_child();
+    pugi::xml_node child =
+        isIndented ? parent.insert_child_before(pugi::node_element, end) : parent.append_child(pugi::node_element);
     if (!child.set_name(name)) {
         parent.remove_child(child);
         return {};
     }
-    const pugi::xml_node indentation = parent.first_child();
-    if (child.next_sibling() && IsWhiteSpace(indentation) && !IsWhiteSpace(child.previous_sibling()))
-        parent.insert_copy_before(indentation, child);
-    else if (child.next_sibling() && indentation == child)
-        parent.insert_copy_before(end, child);
+    if (isIndented && IsIndentation(first) && !IsIndentation(child.previous_sibling()))
+        parent.insert_copy_before(first, child);
     return child;
+}
+
+void Write(const pugi::xml_document& document, std::string& text)
+{
+    Output output(text);
+    for (pugi::xml_node node = document.first_child(); node; node = node.next_sibling()) {
+        WriteStart(node, output);
+        while (node.first_child()) {
+            node = node.first_child();
+            WriteStart(node, output);
+        }
+        while (!node.next_sibling() && IsElement(node.parent())) {
+            node = node.parent();
+            Put(output, "</", node.name(), '>');
+        }
+    }
+    output.Flush();
 }
 
 } // namespace xmlparser

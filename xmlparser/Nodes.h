@@ -2,6 +2,7 @@
 
 #include <pugixml.hpp>
 
+#include <string>
 #include <string_view>
 
 namespace xmlparser
@@ -21,15 +22,17 @@ pugi::xml_node ElementNamed(std::string_view name, pugi::xml_node node);
 // One document element; beside it no text, and no declaration but at the start.
 bool IsDocument(const pugi::xml_document& document);
 
-// Makes attributes fit for double quotes, in which they are written; those that stood in single ones may hold such.
-// False if memory runs out.
-bool EscapeQuotes(const pugi::xml_document& document);
-
 // Removes a node with all that is in it.
 void Remove(pugi::xml_node node);
+
+// Removes an element, with its line where it stands on one of its own and others are left to take the indentation from.
+void RemoveElement(pugi::xml_node element);
 
 // A new last child element. Where the parent's children stand on lines of their own, so does it. Null if memory runs
 // out.
 pugi::xml_node AppendElement(pugi::xml_node parent, const char* name);
+
+// The document as it stands in a file, in UTF-8.
+void Write(const pugi::xml_document& document, std::string& text);
 
 } // namespace xmlparser

@@ -23,7 +23,6 @@ namespace
 // element; IsDocument sees to the rest.
 constexpr unsigned kParseAll = pugi::parse_pi | pugi::parse_comments | pugi::parse_cdata | pugi::parse_doctype |
                                pugi::parse_declaration | pugi::parse_ws_pcdata | pugi::parse_fragment;
-constexpr unsigned kWriteAll = pugi::format_raw | pugi::format_no_escapes;
 
 std::wstring_view View(const CString& text)
 {
@@ -32,8 +31,7 @@ std::wstring_view View(const CString& text)
 
 std::vector<std::string_view> Names(std::string_view path)
 {
-    if (!path.empty() && path.front() == '/')
-        path.remove_prefix(1);
+    path.remove_prefix(std::min(path.find_first_not_of('/'), path.size()));
     std::vector<std::string_view> names;
     if (path.empty())
         return names;
@@ -55,17 +53,6 @@ CString Text(pugi::xml_node node)
     text.ReleaseBuffer(static_cast<int>(Unescape(units, static_cast<std::size_t>(length), isCData)));
     return text;
 }
-
-class StringWriter final : public pugi::xml_writer
-{
-public:
-    explicit StringWriter(std::string& text) : m_text(text) {}
-
-    void write(const void* data, std::size_t size) override { m_text.append(static_cast<const char*>(data), size); }
-
-private:
-    std::string& m_text;
-};
 
 } // namespace
 
@@ -109,21 +96,21 @@ bool XMLTree::Parse(std::string file)
 
 bool XMLTree::SaveFile(const CString& path)
 {
-    if (!m_document.document_element() || !EscapeQuotes(m_document))
+    if (!m_document.document_element())
         return false;
     std::string text;
     text.reserve(m_text.size() + m_text.size() / 8);
-    StringWriter writer(text);
-    m_document.print(writer, "", kWriteAll, pugi::encoding_utf8);
+    Write(m_document, text);
     return FromUtf8(m_encoding, text) && ReplaceWholeFile(path.GetString(), text);
 }
 
 bool XMLTree::AddChild(const CString& name, const CString& text)
 {
-    if (!IsName(View(name)))
+    const auto canHold = [this](std::wstring_view character) { return CanHold(m_encoding, character); };
+    // A name has no place for references.
+    if (!IsName(View(name)) || Escape(View(name), canHold) != View(name))
         return false;
-    const std::string raw =
-        ToUtf8(Escape(View(text), [this](std::wstring_view character) { return CanHold(m_encoding, character); }));
+    const std::string raw = ToUtf8(Escape(View(text), canHold));
     pugi::xml_node child = AppendElement(m_current, ToUtf8(View(name)).c_str());
     if (!child)
         return false;
@@ -143,11 +130,7 @@ void XMLTree::RemoveCurrent()
         return;
     m_current = removed.parent();
     m_last = {};
-    // Its line goes with it, unless no other is left to take the indentation from.
-    const pugi::xml_node before = removed.previous_sibling();
-    if (IsElement(m_current) && IsWhiteSpace(before) && (FirstElement(m_current) != removed || NextElement(removed)))
-        m_current.remove_child(before);
-    Remove(removed);
+    RemoveElement(removed);
 }
 
 void XMLTree::RemoveAllChildren()

@@ -19,21 +19,24 @@
 /// A move that fails leaves the current element as it is. An object is for one thread at a time.
 ///
 /// Whatever is not edited stays as it is: other elements, attributes, comments, processing instructions, the
-/// declaration, the document type, CDATA sections, entity references, white space, the encoding and its byte order
-/// mark. Only the spelling inside of tags is made uniform: <a></a> becomes <a/>, 'x' becomes "x".
+/// declaration, the document type, CDATA sections, entity references, the encoding and its byte order mark. Only the
+/// spelling inside of tags is made uniform (<a></a> becomes <a/>, 'x' becomes "x"), and where elements stand on lines of
+/// their own, new ones get a line and removed ones take theirs along; xml:space="preserve" keeps that away.
 class IXMLTree
 {
 public:
     /// Loads a file and makes its document element current. The encoding is UTF-8, UTF-16 of either byte order, or what
     /// the declaration names and Windows can convert (GB2312, GBK, GB18030, Big5, ...). False, with an empty tree, if
-    /// the file cannot be read, is 2 GiB or larger, is malformed, holds bytes that its encoding does not know, or names
-    /// an unknown encoding.
+    /// the file cannot be read, is 2 GiB or larger, cannot be parsed, holds bytes that its encoding does not know, or
+    /// names an unknown encoding. Errors in UTF-8 are no failure: they read as U+FFFD and are saved as they were. Nor is
+    /// everything that XML forbids, such as a bare "&" or an attribute given twice.
     virtual bool LoadFile(const CString& path) = 0;
 
     /// Saves the tree in the encoding in which it was loaded (else UTF-8), in one step: whoever reads meanwhile, and
     /// whatever dies meanwhile, sees the old file or the new one, whole. The file is written beside under its name with
     /// ".saving" appended, flushed to the disk, and put in the place of the old one with that one's attributes and
-    /// access rights. Where somebody holds the old file open, it tries again for less than a second.
+    /// access rights. Where somebody holds the old file open, it tries again for less than a second. A ".saving" file
+    /// that is there already counts as left by a killed process, and goes.
     ///
     /// False if the tree is empty, the file is read-only, or any step fails; the old file is then as it was and nothing
     /// is left beside it.
@@ -41,7 +44,7 @@ public:
 
     /// Adds a child element behind the others and makes it current. Its text reads back as it is, character for
     /// character; a character that the encoding cannot hold is written as a character reference. In an empty tree it
-    /// becomes the document element. False if the name is no XML name or memory runs out.
+    /// becomes the document element. False if the name is no XML name, the encoding cannot hold it, or memory runs out.
     virtual bool AddChild(const CString& name, const CString& text) = 0;
 
     /// Removes the current element with all that is in it; its parent becomes current.
@@ -53,12 +56,13 @@ public:
     /// Makes the child element with the zero-based index current, whatever its name.
     virtual void GoToChildAt(int index) = 0;
 
-    /// Makes the child element with the name current; with index n, the one behind n others of that name.
+    /// Makes the child element with the name current; with index n, the one behind n others of that name. A negative
+    /// index counts as 0.
     virtual bool GoToChild(const CString& name, int index) = 0;
 
     /// Makes the element at the path current: names with "/" between, from the document element downward, the first of
-    /// each name. Where the first name is no child of the document element but is its own name, it stands for it. One
-    /// leading "/" counts for nothing.
+    /// each name. Where the first name is no child of the document element but is its own name, it stands for it.
+    /// Leading "/" count for nothing.
     ///
     ///     <config><server><host>h</host></server></config>
     ///     server/host, /server/host, config/server/host    <host>

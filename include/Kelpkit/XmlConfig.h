@@ -22,7 +22,8 @@ struct StUsrPwd {
 ///
 /// A key is a path of element names with "/" between, from below the document element, as IXMLTree::GoToPath takes it:
 /// "server/port" in <config><server><port>80</port></server></config>. A value is the element's text. A null key reads
-/// as empty and writes nothing. A file that is malformed behaves as one that is missing.
+/// as empty and writes nothing. Of several elements with one path, the first counts. A file that cannot be parsed behaves
+/// as one that is missing.
 class CXMLConfig
 {
 public:
@@ -43,8 +44,9 @@ public:
     ///     <c><a>1</a><b/></c>    WriteXmlString(L"2", L"a")    <c><b/><a>2</a></c>
     ///     <c/>                   WriteXmlString(L"2", L"a/b")  false: there is no <a>
     ///
-    /// False, with the file as it was, if the file or the parent is missing, the last name of the key is no XML name, or
-    /// the file cannot be saved.
+    /// False, with the file as it was, if the file or the parent is missing, the last name of the key is no XML name or
+    /// not to be had in the file's encoding, or the file cannot be saved. While another program has the file open, that
+    /// takes almost a second.
     KELPKIT_API bool WriteXmlString(std::wstring value, const wchar_t* key);
 
     /// Stores an integer in decimal, such as "-5". Otherwise as WriteXmlString.

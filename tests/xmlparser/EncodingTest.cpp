@@ -43,6 +43,7 @@ struct Sample {
 const std::vector<Sample> kSamples = {
     {"UTF-8", "\xE4\xB8\xAD\xF0\x9F\x98\x80", L"中😀"},
     {"utf-8", "\xE4\xB8\xAD", L"中"},
+    {"utf8", "\xE4\xB8\xAD", L"中"},
     {"US-ASCII", "abc", L"abc"},
     {"GB2312", "\xD6\xD0\xCE\xC4\xA1\xA4", L"中文·"},
     {"gb2312", "\xD6\xD0", L"中"},
@@ -84,7 +85,7 @@ TEST(XMLTreeEncoding, OfNamesAttributesAndCommentsIsKept)
     EXPECT_TRUE(file.Tree()->SaveFile(file.Path()));
     EXPECT_EQ(file.Bytes(), bytes);
     EXPECT_TRUE(file.Add(L"文", L""));
-    EXPECT_FALSE(file.Add(L"가", L"")) << "the encoding cannot hold the name";
+    EXPECT_FALSE(file.Tree()->AddChild(L"가", L"")) << "the encoding cannot hold the name";
     EXPECT_EQ(file.Bytes(),
               Declared("GB2312", "<!-- \xD6\xD0 --><\xCE\xC4 \xD6\xD0=\"\xCE\xC4\"><\xD6\xD0/><\xCE\xC4/></\xCE\xC4>"));
 }
@@ -111,6 +112,27 @@ TEST(XMLTreeEncoding, LackingACharacterTakesAReference)
         EXPECT_EQ(file.Bytes(), Declared(each.encoding, "<r><a>" + each.bytes + "</a></r>")) << each.encoding;
         EXPECT_EQ(file.Text(L"a"), each.text) << each.encoding;
     }
+}
+
+TEST(XMLTreeEncoding, KeepsEveryCharacterThatItIsGiven)
+{
+    for (const char* encoding :
+         {"GB2312", "GBK", "GB18030", "Big5", "Shift_JIS", "EUC-KR", "windows-874", "ISO-8859-1"}) {
+        const TreeFile file(Declared(encoding, "<r/>"));
+        std::wstring text;
+        for (wchar_t unit = 1; unit < 0xFFFF; ++unit)
+            text += unit;
+        EXPECT_TRUE(file.Add(L"a", text));
+        ASSERT_TRUE(file.Loads()) << encoding;
+        EXPECT_TRUE(file.Text(L"a") == text) << encoding;
+    }
+}
+
+TEST(XMLTreeEncoding, Gb18030IsNotMistakenForGbk)
+{
+    // The euro sign, whose place is a user's own in GBK.
+    const TreeFile file(Declared("GB18030", "<r>\xA2\xE3</r>"));
+    EXPECT_EQ(file.Loads(), ::IsValidCodePage(54936) != FALSE);
 }
 
 TEST(XMLTreeEncoding, Gb18030HoldsEverythingWhereWindowsHasIt)

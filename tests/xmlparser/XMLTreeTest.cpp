@@ -68,6 +68,7 @@ TEST(XMLTree, FindsElementsByPath)
                         "<名>中</名></config>");
     EXPECT_EQ(file.Text(L"server/host"), L"h");
     EXPECT_EQ(file.Text(L"/server/host"), L"h");
+    EXPECT_EQ(file.Text(L"//server/host"), L"h");
     EXPECT_EQ(file.Text(L"config/server/host"), L"h");
     EXPECT_EQ(file.Text(L"名"), L"中");
     const IXMLTreePtr tree = file.Tree();
@@ -78,8 +79,8 @@ TEST(XMLTree, FindsElementsByPath)
     }
     EXPECT_TRUE(tree->GoToPath(L"server"));
     // The first of each name: the port stands in the second one.
-    for (const wchar_t* path : {L"server/port", L"host", L"server/", L"server//host", L"//server", L"/ server",
-                                L"Server", L"config/config", L"#text", L"server/host/h", L"."})
+    for (const wchar_t* path : {L"server/port", L"host", L"server/", L"server//host", L"/ server", L"Server",
+                                L"config/config", L"#text", L"server/host/h", L"."})
         EXPECT_FALSE(tree->GoToPath(path)) << path;
     EXPECT_EQ(ChildCount(*tree), 1) << "a failed move leaves the current element";
 }
@@ -113,6 +114,8 @@ TEST(XMLTree, GoesToChildrenByIndexAndName)
     EXPECT_EQ(TextOf(*tree), L"2");
     tree->GoToParent();
     EXPECT_FALSE(tree->GoToChild(L"a", 2));
+    EXPECT_TRUE(tree->GoToChild(L"b", -1));
+    tree->GoToParent();
     EXPECT_FALSE(tree->GoToChild(L"", 0));
     EXPECT_FALSE(tree->GoToChild(L"c", 0));
     tree->GoToParent();
@@ -297,6 +300,17 @@ TEST(XMLTree, KeepsElementsOnLinesOfTheirOwn)
     EXPECT_EQ(Edited("<r>\n</r>", anew(L"n")), "<r>\n<n>1</n>\n</r>");
     EXPECT_EQ(Edited("<r><a/></r>", anew(L"n")), "<r><a/><n>1</n></r>");
     EXPECT_EQ(Edited("<r/>", anew(L"n")), "<r><n>1</n></r>");
+    // What is no line of its own is the author's text.
+    EXPECT_EQ(Edited("<r>  </r>", anew(L"n")), "<r>  <n>1</n></r>");
+    EXPECT_EQ(Edited("<r> <a/> <b/> </r>", anew(L"a")), "<r>  <b/> <a>1</a></r>");
+    EXPECT_EQ(Edited("<r xml:space=\"preserve\">\n<a/>\n<b/>\n</r>", anew(L"a")),
+              "<r xml:space=\"preserve\">\n\n<b/>\n<a>1</a></r>");
+    EXPECT_EQ(Edited("<r xml:space=\"preserve\" x=\"1\">\n<s xml:space=\"default\">\n<a/>\n</s></r>",
+                     [](IXMLTree& tree) {
+                         EXPECT_TRUE(tree.GoToPath(L"s"));
+                         EXPECT_TRUE(tree.AddChild(L"n", L""));
+                     }),
+              "<r xml:space=\"preserve\" x=\"1\">\n<s xml:space=\"default\">\n<a/>\n<n/>\n</s></r>");
 }
 
 TEST(XMLTreeCreator, HasNoData)
