@@ -50,7 +50,8 @@ public:
     COleDateTime() = default;
     COleDateTime(double date) : m_dt(date) {} // NOLINT(google-explicit-constructor): as the real one
 
-    // Invalid where the platform does not give the same date and time back: for 30 February, or the year 50.
+    // Invalid where the platform does not give the same date and time back: for 30 February, or the year 50. Of each number
+    // the lower 16 bits count.
     COleDateTime(const _SYSTEMTIME& time); // NOLINT(google-explicit-constructor): likewise
     COleDateTime(int year, int month, int day, int hour, int minute, int second);
 

@@ -48,16 +48,17 @@ public:
     ///
     /// Waits, without limit, until the program is idle, and then until it has a window. After each eight seconds or so
     /// without one, a message box asks "启动exe超时,是否继续等待?" (caption "提示"): Yes waits on; No gives false, and the
-    /// program goes on running. False also where the program cannot be started, has no message queue, as console
-    /// programs, or ends before it is idle. A program that starts another one and ends is not followed.
+    /// program goes on running with nothing hosted. False also where the program cannot be started, has no message queue,
+    /// as console programs, or ends before it is idle. A program that starts another one and ends is not followed.
     ///
     /// The window is the first of the program's top-level windows that the system lists, or the topmost one that it
     /// belongs to. The handles of the process and its thread are never closed.
     virtual bool CreateSubWindow(HWND parent, const CString& commandLine);
 
     /// Makes the window that was found a child of the host, without caption and frame, and shows it at rect, in pixels of
-    /// the host's client area. Returns false where there is no window, or Windows does not make it a child, restyle it or
-    /// move it; it may be a child by then, and is hosted until CloseSubWindow.
+    /// the host's client area. The host then goes behind it in the order of windows. Returns false where there is no
+    /// window, or Windows does not make it a child, restyle it or move it; it may be a child by then, and is hosted until
+    /// CloseSubWindow.
     virtual bool AddSubWindow(const CRect& rect);
 
     /// Asks the window to close, by posting WM_CLOSE, and forgets it and the host. Does not wait, and ends no program: it

@@ -26,8 +26,8 @@ namespace KELPKIT
 /// Text "year/month/day hour:minute:second", in local time, to seconds since 1970-01-01 00:00:00 UTC. The numbers are
 /// the fields of a struct tm as they are: the year is counted from 1900, the month from 0. Numbers beyond a field's
 /// range are carried over, as mktime does it. What is not read, since the text ends or is written otherwise, is 0.
-/// Daylight saving is the runtime's to know. -1 where the runtime cannot represent the time: before 1970, and after the
-/// year 3000.
+/// Daylight saving is the runtime's to know. -1 where the runtime cannot represent the time: before 1970, in local time
+/// as in UTC, and after the year 3000.
 ///
 ///     "120/4/6 7:8:9"      6 May 2020, 07:08:09
 ///     "120/4/6"            6 May 2020, 00:00:00
@@ -38,8 +38,8 @@ KELPKIT_API std::int64_t StringToTime_t(const std::wstring& text);
 
 /// Seconds since 1970-01-01 00:00:00 UTC to text in local time, with the words "date is " and the fields of a struct tm
 /// as they are: the year is counted from 1900, the month from 0. 6 May 2020, 07:08:09, gives
-/// "date is 0120-04-06 07:08:09". Empty for a time that the runtime cannot break down: a negative one, or one after the
-/// year 3000.
+/// "date is 0120-04-06 07:08:09". Empty for a time that the runtime cannot break down: a negative one, or one more than a
+/// few hours after the year 3000.
 KELPKIT_API std::wstring Time_tToString(const std::int64_t& time);
 
 /// A date to milliseconds since 1970-01-01 08:00:00, rounded to whole seconds, halves away from zero. -1 for what
@@ -66,8 +66,8 @@ KELPKIT_API std::int64_t OleDateTimeToMS(const COleDateTime& date);
 KELPKIT_API COleDateTime MSToOleDateTime(std::int64_t milliseconds);
 
 /// A date as text: "2024-03-05". The time of day does not show, save that the last half second of a day counts as the
-/// next. A null date gives an empty text. One that is invalid, or outside of the years 100 to 9999, gives string 55296
-/// of the host program's resources; without it, "Invalid DateTime".
+/// next. A null date gives an empty text. One that is invalid, or that Windows does not take for a date of the years 100
+/// to 9999, gives string 55296 of the host program's resources; without it, "Invalid DateTime".
 KELPKIT_API std::wstring OleDateTimeToString(COleDateTime date);
 
 /// Text as people write it to a date, by the rules of the user's locale (VarDateFromStr): "2024-03-05 14:30" and the

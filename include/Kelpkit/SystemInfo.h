@@ -53,15 +53,16 @@ KELPKIT_API bool IsWindows8();
 //
 // What the machine says of its processor and disks, asked for once in the life of the process: later calls give the
 // same, whatever was plugged in since. There is no lock; the first calls must not be made by several threads at once.
-// What changes these identifiers, and what they are good for, is told in the guide (docs/system.md).
+// What changes these identifiers, and what they are good for, is told in the guide.
 
 /// The processor: vendor, signature, feature flags and serial number, the last three as the CPUID instruction gives
 /// them, in upper-case hexadecimal digits: "GenuineIntel-000306C3-BFEBFBFF-0000000000000000". All processors of one
 /// model have the same. Empty if the instruction faults; the next call then tries again.
 KELPKIT_API std::wstring GetCPUId();
 
-/// The first disk, as its model, a hyphen and its serial number, both without spaces around them; empty if no disk tells.
-/// Drives on USB and behind RAID controllers are left out.
+/// The first disk, as its model, a hyphen and its serial number, both without spaces around them: "-" alone where it has
+/// neither, and empty if no disk answers. The first 16 drives are asked in their order, up to the first that is missing
+/// or fails; those on USB and behind RAID controllers are left out. A handle to each of them stays open.
 ///
 /// Where the process may write to the first drive, as administrators may, the drives are asked themselves. The
 /// characters then stand as the drive stores them, exchanged in pairs: the model "ST1000DM003" is "TS0100MD00 3".
@@ -71,7 +72,7 @@ KELPKIT_API std::wstring GetHDDId();
 
 /// A code for processor and disks together: for each disk, of which GetHDDId gives the first, the MD5 digest
 /// (BuildMd5Code, Text.h) of GetCPUId with the disk's identifier behind it, joined by "-". 32 characters with one disk,
-/// 65 with two. Without any disk it is the digest of GetCPUId alone.
+/// 65 with two. Where no disk answers it is the digest of GetCPUId alone.
 KELPKIT_API std::wstring GetHardwareCode();
 
 // UUIDs
