@@ -4,6 +4,7 @@
 
 #include "ChildExe.h"
 #include "Color.h"
+#include "CrashReport.h"
 #include "DateTime.h"
 #include "Files.h"
 #include "Log.h"

@@ -6,6 +6,8 @@
 #include <log4cplus/logger.h>
 #include <log4cplus/spi/loggingevent.h>
 
+#include <windows.h>
+
 #include <iostream>
 #include <stdexcept>
 #include <string>
@@ -69,6 +71,10 @@ int main()
     log4cplus::Logger::getInstance(L"log").addAppender(log4cplus::SharedAppenderPtr(appender));
     KELPKIT::CLogMsg::LogMsg(KELPKIT::LV_FATAL, L"text");
     Check(appender->count == 1, "the application shares the library's log");
+
+    ::SetUnhandledExceptionFilter(nullptr);
+    KELPKIT::StartCrashReport();
+    Check(::SetUnhandledExceptionFilter(nullptr) != nullptr, "crashes are caught");
 
     Check(KELPKIT::CheckFolderExis(L"C:\\Windows"), "a folder is found");
     Check(!KELPKIT::GetSysRoot().empty(), "the program's folder is known");
