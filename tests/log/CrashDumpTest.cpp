@@ -1,0 +1,271 @@
+// Programs that really crash, and the dumps that they leave.
+
+#include "support/CrashRecord.h"
+#include "support/EnvironmentVariable.h"
+#include "support/FileContents.h"
+#include "support/LastError.h"
+#include "support/MiniDump.h"
+#include "support/Process.h"
+#include "support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <cwchar>
+#include <iterator>
+#include <ostream>
+#include <string>
+#include <vector>
+
+using test::BesideThisProgram;
+using test::CrashRecord;
+using test::MiniDump;
+using test::TempFolder;
+
+namespace
+{
+
+constexpr std::uint32_t kAccessViolation = 0xC0000005;
+
+// The local time as the names of dumps have it.
+std::wstring Now()
+{
+    SYSTEMTIME now;
+    ::GetLocalTime(&now);
+    wchar_t text[32];
+    std::swprintf(text, std::size(text), L"%04d%02d%02d%02d%02d%02d", now.wYear, now.wMonth, now.wDay, now.wHour,
+                  now.wMinute, now.wSecond);
+    return text;
+}
+
+// Those of the files in a folder that match.
+std::vector<std::wstring> FileNames(const std::wstring& pattern)
+{
+    std::vector<std::wstring> names;
+    WIN32_FIND_DATAW entry;
+    const HANDLE find = ::FindFirstFileW(pattern.c_str(), &entry);
+    if (find == INVALID_HANDLE_VALUE)
+        return names;
+    do {
+        if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
+            names.emplace_back(entry.cFileName);
+    } while (::FindNextFileW(find, &entry));
+    ::FindClose(find);
+    return names;
+}
+
+// Runs crashing programs with a temporary folder of their own.
+class CrashDump : public testing::Test
+{
+protected:
+    CrashDump() { ::CreateDirectoryW(m_temp.c_str(), nullptr); }
+
+    // Runs Crasher.exe, or a copy of it elsewhere, and returns its exit code.
+    std::uint32_t Crash(const std::wstring& arguments, const std::wstring& program = BesideThisProgram(L"Crasher.exe"))
+    {
+        const test::EnvironmentVariable tmp(L"TMP", m_temp);
+        const test::EnvironmentVariable temp(L"TEMP", m_temp);
+        // Copies find their DLLs here.
+        const test::EnvironmentVariable path(L"PATH", BesideThisProgram(L"") + L";" +
+                                                          test::EnvironmentVariable::Value(L"PATH").value_or(L""));
+        m_start = Now();
+        const std::uint32_t exitCode = test::Run(L"\"" + program + L"\" \"" + m_records + L"\" " + arguments);
+        m_end = Now();
+        return exitCode;
+    }
+
+    std::vector<std::wstring> Dumps() const { return FileNames(m_temp + L"\\*"); }
+
+    // The one dump that the program left, of the name that an executable of this name must give.
+    MiniDump TheDump(const std::wstring& name = L"Crasher.exe") const
+    {
+        const std::vector<std::wstring> dumps = Dumps();
+        EXPECT_EQ(dumps.size(), 1U);
+        const std::wstring dump = dumps.empty() ? L"" : dumps[0];
+        EXPECT_EQ(dump.substr(std::min(dump.size(), m_start.size())), L"_" + name + L".dmp");
+        EXPECT_GE(dump.substr(0, m_start.size()), m_start);
+        EXPECT_LE(dump.substr(0, m_end.size()), m_end);
+        return MiniDump(m_temp + L"\\" + dump);
+    }
+
+    // The main thread first, then each exception.
+    std::vector<CrashRecord> Records() const
+    {
+        const std::string bytes = test::ReadFileBytes(m_records);
+        std::vector<CrashRecord> records(bytes.size() / sizeof(CrashRecord));
+        std::memcpy(records.data(), bytes.data(), records.size() * sizeof(CrashRecord));
+        return records;
+    }
+
+    TempFolder m_folder;
+    std::wstring m_temp = m_folder / L"temp";
+
+private:
+    std::wstring m_records = m_folder / L"records";
+    std::wstring m_start;
+    std::wstring m_end;
+};
+
+void ExpectThreadWithItsStack(const MiniDump& dump, std::uint32_t threadId, std::uint64_t stackPointer)
+{
+    const MiniDump::Thread* const thread = dump.FindThread(threadId);
+    ASSERT_NE(thread, nullptr);
+    EXPECT_GE(stackPointer, thread->stackStart);
+    EXPECT_LT(stackPointer, thread->stackStart + thread->stackSize);
+}
+
+// Does the dump say of the exception what the program wrote down when it was raised?
+void ExpectSame(const MiniDump& dump, const CrashRecord& record)
+{
+    EXPECT_EQ(dump.exception.code, record.code);
+    EXPECT_EQ(dump.exception.address, record.address);
+    EXPECT_EQ(dump.exception.threadId, record.threadId);
+    ExpectThreadWithItsStack(dump, record.threadId, dump.exception.stackPointer);
+}
+
+struct CrashWay {
+    const wchar_t* arguments;
+    std::uint32_t code;
+    const wchar_t* module; // in which it happens
+    std::vector<std::uint64_t> parameters;
+};
+
+std::string Name(const testing::TestParamInfo<CrashWay>& way)
+{
+    std::string name;
+    for (const wchar_t c : std::wstring(way.param.arguments)) {
+        if (c != L' ' && c != L'-')
+            name += static_cast<char>(c);
+    }
+    return name;
+}
+
+std::ostream& operator<<(std::ostream& stream, const CrashWay& way)
+{
+    return stream << testing::PrintToString(std::wstring(way.arguments));
+}
+
+class EachCrash : public CrashDump, public testing::WithParamInterface<CrashWay>
+{
+};
+
+} // namespace
+
+TEST_P(EachCrash, LeavesADumpOfTheExceptionItsThreadAndItsModule)
+{
+    const CrashWay& way = GetParam();
+    EXPECT_EQ(Crash(way.arguments), way.code);
+    const std::vector<CrashRecord> records = Records();
+    ASSERT_EQ(records.size(), 2U);
+    const MiniDump dump = TheDump();
+    ExpectSame(dump, records[1]);
+    EXPECT_EQ(dump.exception.code, way.code);
+    EXPECT_EQ(dump.exception.parameters, way.parameters);
+    EXPECT_EQ(dump.ModuleNameAt(dump.exception.address), way.module);
+    const bool inSecondThread = std::wcsstr(way.arguments, L" thread") != nullptr;
+    EXPECT_EQ(dump.exception.threadId != records[0].threadId, inSecondThread);
+    EXPECT_NE(dump.FindThread(records[0].threadId), nullptr);
+    for (const wchar_t* const name : {L"crasher.exe", L"kelpkit.dll", L"ntdll.dll"}) {
+        EXPECT_EQ(std::count_if(dump.modules.begin(), dump.modules.end(),
+                                [name](const MiniDump::Module& module) { return module.Name() == name; }),
+                  1)
+            << testing::PrintToString(std::wstring(name));
+    }
+    EXPECT_EQ(dump.processorArchitecture, PROCESSOR_ARCHITECTURE_AMD64);
+    EXPECT_GE(dump.windowsMajorVersion, 6U);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    CrashDump, EachCrash,
+    testing::Values(CrashWay{L"read", kAccessViolation, L"crasher.exe", {0, 0}},
+                    CrashWay{L"write", kAccessViolation, L"crasher.exe", {1, 0}},
+                    CrashWay{L"divide", 0xC0000094, L"crasher.exe", {}},
+                    CrashWay{L"illegal", 0xC000001D, L"crasher.exe", {}},
+                    CrashWay{L"privileged", 0xC0000096, L"crasher.exe", {}},
+                    CrashWay{L"call", kAccessViolation, L"", {8, 0}}, // at address 0, where no module is
+                    CrashWay{L"raise", 0xE0001234, L"kernelbase.dll", {7, 8}},
+                    CrashWay{L"kelpkit", kAccessViolation, L"kelpkit.dll", {0, 16}},
+                    CrashWay{L"write thread", kAccessViolation, L"crasher.exe", {1, 0}},
+                    CrashWay{L"raise thread", 0xE0001234, L"kernelbase.dll", {7, 8}},
+                    CrashWay{L"write earlier twice", kAccessViolation, L"crasher.exe", {1, 0}},
+                    CrashWay{L"write no-heap", kAccessViolation, L"crasher.exe", {1, 0}}),
+    &Name);
+
+TEST_F(CrashDump, IsNotThereWithoutStartCrashReport)
+{
+    EXPECT_EQ(Crash(L"write no-dump"), kAccessViolation);
+    EXPECT_EQ(Records().size(), 2U);
+    EXPECT_TRUE(Dumps().empty());
+}
+
+TEST_F(CrashDump, IsNotThereWhereAnotherFilterWasSetAfterwards)
+{
+    EXPECT_EQ(Crash(L"write later"), 98U);
+    EXPECT_TRUE(Dumps().empty());
+}
+
+TEST_F(CrashDump, IsNotThereWhereTheTemporaryFolderIsMissing)
+{
+    ASSERT_TRUE(::RemoveDirectoryW(m_temp.c_str())) << test::LastErrorText();
+    EXPECT_EQ(Crash(L"write"), kAccessViolation);
+    EXPECT_EQ(Records().size(), 2U);
+    EXPECT_TRUE(FileNames(m_folder / L"*.dmp").empty());
+    EXPECT_TRUE(FileNames(BesideThisProgram(L"*.dmp")).empty());
+}
+
+TEST_F(CrashDump, IsTestedByAProgramThatEndsAtItsFirstUseOfTheHeap)
+{
+    // What "no-heap" relies on: the option does what it says.
+    EXPECT_EQ(Crash(L"use-heap no-heap"), 99U);
+    EXPECT_EQ(Crash(L"use-heap"), 0U);
+}
+
+TEST_F(CrashDump, IsThereAfterTwoThreadsCrashAtOnce)
+{
+    // Whose it is, and whether it is whole, is left open: one may overwrite the other's.
+    EXPECT_EQ(Crash(L"write two-threads"), kAccessViolation);
+    const std::vector<CrashRecord> records = Records();
+    ASSERT_GE(records.size(), 3U);
+    EXPECT_NE(records[1].threadId, records[2].threadId);
+    for (const std::size_t thread : {std::size_t{1}, std::size_t{2}}) {
+        EXPECT_EQ(records[thread].code, kAccessViolation);
+        EXPECT_NE(records[thread].threadId, records[0].threadId);
+    }
+    EXPECT_GE(Dumps().size(), 1U);
+    for (const std::wstring& dump : Dumps())
+        EXPECT_EQ(dump.substr(14), L"_Crasher.exe.dmp");
+}
+
+TEST_F(CrashDump, CutsALongExecutablesName)
+{
+    // Longer than half the path of the program by far.
+    const std::wstring name = std::wstring(150, L'n') + L".exe";
+    const std::wstring program = m_folder / name;
+    ASSERT_TRUE(::CopyFileW(BesideThisProgram(L"Crasher.exe").c_str(), program.c_str(), TRUE)) << test::LastErrorText();
+    EXPECT_EQ(Crash(L"write", program), kAccessViolation);
+    // A byte that is the first half of a character has a zero for the other.
+    ASSERT_LT((program.size() + 1) / 2, name.size());
+    ExpectSame(TheDump(name.substr(0, (program.size() + 1) / 2)), Records().at(1));
+}
+
+TEST_F(CrashDump, KeepsAChineseExecutablesName)
+{
+    const std::wstring program = m_folder / L"齿轮 gear 𠀀.exe";
+    ASSERT_TRUE(::CopyFileW(BesideThisProgram(L"Crasher.exe").c_str(), program.c_str(), TRUE)) << test::LastErrorText();
+    EXPECT_EQ(Crash(L"write", program), kAccessViolation);
+    const MiniDump dump = TheDump(L"齿轮 gear 𠀀.exe");
+    ExpectSame(dump, Records().at(1));
+    EXPECT_EQ(dump.ModuleNameAt(dump.exception.address), L"齿轮 gear 𠀀.exe");
+}
+
+TEST_F(CrashDump, LiesInATemporaryFolderWithAChineseName)
+{
+    m_temp = m_folder / L"临时 temp 𠀀";
+    ASSERT_TRUE(::CreateDirectoryW(m_temp.c_str(), nullptr)) << test::LastErrorText();
+    EXPECT_EQ(Crash(L"write"), kAccessViolation);
+    ExpectSame(TheDump(), Records().at(1));
+}
