@@ -47,6 +47,13 @@ void ShowChildPrograms(Tour& tour);
 void ShowSystem(Tour& tour);
 void ShowXmlConfig(Tour& tour);
 void ShowTimes(Tour& tour);
+void ShowCrash(Tour& tour);
+
+// The argument that makes the tour call Crash() and nothing else.
+constexpr const wchar_t* kCrashArgument = L"--crash";
+
+// Asks for a crash dump and crashes.
+void Crash();
 
 // The log file of the tour.
 std::wstring LogFile(const Tour& tour);

@@ -16,6 +16,8 @@ using namespace KELPKIT;
 
 int wmain(int argc, wchar_t** argv)
 {
+    if (argc > 1 && argv[1] == std::wstring(kCrashArgument))
+        Crash();
     ::SetConsoleOutputCP(CP_UTF8);
     const bool showsIdentity = argc > 1 && argv[1] == std::wstring(L"--show");
     const int folderArgument = showsIdentity ? 2 : 1;
@@ -36,5 +38,6 @@ int wmain(int argc, wchar_t** argv)
     ShowChildPrograms(tour);
     ShowSystem(tour);
     ShowTimes(tour);
+    ShowCrash(tour);
     return tour.Summary() == 0 ? 0 : 1;
 }
