@@ -87,7 +87,7 @@ void ShowCrash(Tour& tour)
     DeleteDirectory(folder); // dumps of an earlier tour
     MakeDirectory(folder);
 
-    tour.Section(L"A program crashes");
+    tour.Section(L"A program crashes, on purpose");
     tour.Step(L"StartCrashReport in a child", [&] {
         const unsigned long exitCode = CrashChild(folder);
         name = FindDump(folder);

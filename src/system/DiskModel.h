@@ -17,9 +17,9 @@ bool IsLeftOut(const CString& model);
 // itself. The entry is removed, so that two drives of one name take one each. An empty name is in every entry.
 CString TakeModel(std::vector<CString>& models, const CString& name);
 
-// The name with its characters exchanged in pairs, as in an identify block. By
-// contract the bytes of the wide characters are exchanged, and of these only as many as there are characters. A name of
-// two or more ASCII characters gives an empty text, as the first byte is then a zero.
+// The name with its characters exchanged in pairs, as in an identify block. By contract the bytes of the wide characters
+// are exchanged, and of these only as many as there are characters. A name of two or more ASCII characters gives an empty
+// text, as the first byte is then a zero.
 std::string SwappedName(const CString& name);
 
 // Exchanges each byte with the next, an odd last one with a space, up to the first zero of the result: "abc" gives
