@@ -34,16 +34,16 @@ void SwapBytes(wchar_t* units, std::size_t count)
         units[i] = static_cast<wchar_t>(units[i] << 8 | units[i] >> 8);
 }
 
-// Strict, so that a save cannot change what it does not name.
-bool UnitsToUtf8(const wchar_t* units, std::size_t count, std::string& utf8)
+// With WC_ERR_INVALID_CHARS, half a surrogate pair is an error; with 0 it becomes U+FFFD.
+bool UnitsToUtf8(std::wstring_view units, DWORD flags, std::string& utf8)
 {
     constexpr std::size_t kMostBytesOfAUnit = 3;
-    if (count > static_cast<std::size_t>(MAXINT) / kMostBytesOfAUnit)
+    if (units.size() > static_cast<std::size_t>(MAXINT) / kMostBytesOfAUnit)
         return false;
-    utf8.resize(count * kMostBytesOfAUnit);
-    if (count == 0)
+    utf8.resize(units.size() * kMostBytesOfAUnit);
+    if (units.empty())
         return true;
-    const int size = ::WideCharToMultiByte(CP_UTF8, WC_ERR_INVALID_CHARS, units, Length(count), utf8.data(),
+    const int size = ::WideCharToMultiByte(CP_UTF8, flags, units.data(), Length(units.size()), utf8.data(),
                                            Length(utf8.size()), nullptr, nullptr);
     utf8.resize(static_cast<std::size_t>(size));
     return size > 0;
@@ -72,13 +72,12 @@ bool HasGaps(unsigned codePage)
 
 std::string ToUtf8(std::wstring_view text)
 {
-    std::string utf8(text.size() * 3, '\0');
-    if (!text.empty())
-        utf8.resize(static_cast<std::size_t>(::WideCharToMultiByte(
-            CP_UTF8, 0, text.data(), Length(text.size()), utf8.data(), Length(utf8.size()), nullptr, nullptr)));
+    std::string utf8;
+    UnitsToUtf8(text, 0, utf8);
     return utf8;
 }
 
+// Strict, so that a save cannot change what it does not name.
 bool ToUtf8(const Encoding& encoding, std::string& file)
 {
     if (encoding.hasByteOrderMark)
@@ -89,7 +88,7 @@ bool ToUtf8(const Encoding& encoding, std::string& file)
         const unsigned codePage = KnownCodePage(encoding.codePage);
         std::wstring units;
         return ToUnits(codePage, file, units) && (codePage == encoding.codePage || !HasPrivateUse(units)) &&
-               UnitsToUtf8(units.data(), units.size(), file);
+               UnitsToUtf8(units, WC_ERR_INVALID_CHARS, file);
     }
     if (file.size() % sizeof(wchar_t) != 0)
         return false;
@@ -98,7 +97,7 @@ bool ToUtf8(const Encoding& encoding, std::string& file)
     const std::size_t count = bytes.size() / sizeof(wchar_t);
     if (encoding.codePage == Encoding::kUtf16BigEndian)
         SwapBytes(units, count);
-    return UnitsToUtf8(units, count, file);
+    return UnitsToUtf8({units, count}, WC_ERR_INVALID_CHARS, file);
 }
 
 bool FromUtf8(const Encoding& encoding, std::string& text)
