@@ -4,7 +4,6 @@
 #include "support/Bitmap.h"
 #include "support/FileContents.h"
 #include "support/FolderTree.h"
-#include "support/LastError.h"
 #include "support/Process.h"
 #include "support/TempFolder.h"
 
@@ -16,7 +15,6 @@
 
 #include <tlhelp32.h>
 
-#include <stdexcept>
 #include <string>
 
 using test::TempFolder;
@@ -79,22 +77,7 @@ DWORD ChildOf(DWORD processId)
 class Host
 {
 public:
-    explicit Host(std::wstring commandLine)
-    {
-        STARTUPINFOW startup{};
-        startup.cb = sizeof startup;
-        if (!::CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                              &m_process))
-            throw std::runtime_error("the host does not start: " + test::LastErrorText());
-    }
-    Host(const Host&) = delete;
-    Host& operator=(const Host&) = delete;
-    ~Host()
-    {
-        ::TerminateProcess(m_process.hProcess, 1);
-        ::CloseHandle(m_process.hThread);
-        ::CloseHandle(m_process.hProcess);
-    }
+    explicit Host(const std::wstring& commandLine) : m_program(commandLine) {}
 
     HWND Window() const
     {
@@ -105,11 +88,11 @@ public:
         });
         return window;
     }
-    DWORD Child() const { return ChildOf(m_process.dwProcessId); }
-    bool HasEnded() const { return ::WaitForSingleObject(m_process.hProcess, kLongEnough) == WAIT_OBJECT_0; }
+    DWORD Child() const { return ChildOf(m_program.ProcessId()); }
+    bool HasEnded() const { return m_program.HasEnded(kLongEnough); }
 
 private:
-    PROCESS_INFORMATION m_process{};
+    test::StartedProgram m_program;
 };
 
 HWND HostedIn(HWND window)

@@ -3,6 +3,7 @@
 #include "support/CrashRecord.h"
 #include "support/EnvironmentVariable.h"
 #include "support/FileContents.h"
+#include "support/FolderTree.h"
 #include "support/LastError.h"
 #include "support/MiniDump.h"
 #include "support/Process.h"
@@ -42,20 +43,14 @@ std::wstring Now()
     return text;
 }
 
-// Those of the files in a folder that match.
-std::vector<std::wstring> FileNames(const std::wstring& pattern)
+// Whether a dump stands in a folder or below it.
+bool HasDump(const std::wstring& folder)
 {
-    std::vector<std::wstring> names;
-    WIN32_FIND_DATAW entry;
-    const HANDLE find = ::FindFirstFileW(pattern.c_str(), &entry);
-    if (find == INVALID_HANDLE_VALUE)
-        return names;
-    do {
-        if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
-            names.emplace_back(entry.cFileName);
-    } while (::FindNextFileW(find, &entry));
-    ::FindClose(find);
-    return names;
+    const std::wstring end = L".dmp";
+    const std::vector<std::wstring> entries = test::ListTree(folder);
+    return std::any_of(entries.begin(), entries.end(), [&end](const std::wstring& entry) {
+        return entry.size() >= end.size() && entry.compare(entry.size() - end.size(), end.size(), end) == 0;
+    });
 }
 
 // Runs crashing programs with a temporary folder of their own.
@@ -78,7 +73,7 @@ protected:
         return exitCode;
     }
 
-    std::vector<std::wstring> Dumps() const { return FileNames(m_temp + L"\\*"); }
+    std::vector<std::wstring> Dumps() const { return test::ListTree(m_temp); }
 
     // The one dump that the program left, of the name that an executable of this name must give.
     MiniDump TheDump(const std::wstring& name = L"Crasher.exe") const
@@ -213,8 +208,8 @@ TEST_F(CrashDump, IsNotThereWhereTheTemporaryFolderIsMissing)
     ASSERT_TRUE(::RemoveDirectoryW(m_temp.c_str())) << test::LastErrorText();
     EXPECT_EQ(Crash(L"write"), kAccessViolation);
     EXPECT_EQ(Records().size(), 2U);
-    EXPECT_TRUE(FileNames(m_folder / L"*.dmp").empty());
-    EXPECT_TRUE(FileNames(BesideThisProgram(L"*.dmp")).empty());
+    EXPECT_FALSE(HasDump(m_folder.Path()));
+    EXPECT_FALSE(HasDump(BesideThisProgram(L"")));
 }
 
 TEST_F(CrashDump, IsTestedByAProgramThatEndsAtItsFirstUseOfTheHeap)

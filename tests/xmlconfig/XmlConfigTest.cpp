@@ -246,21 +246,15 @@ TEST_F(XmlConfig, HoldsTheOldOrTheNewStateWhenItsWriterIsKilled)
 {
     Write("<c><n>0</n><text/></c>");
     test::Random random(5);
-    std::wstring command = L'"' + test::BesideThisProgram(L"ConfigWriter.exe") + L"\" \"" + m_path + L'"';
+    const std::wstring command = L'"' + test::BesideThisProgram(L"ConfigWriter.exe") + L"\" \"" + m_path + L'"';
     for (int round = 0; round < 10; ++round) {
-        STARTUPINFOW startup = {};
-        startup.cb = sizeof startup;
-        PROCESS_INFORMATION writer = {};
-        ASSERT_TRUE(
-            ::CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &writer));
         const int before = m_config.GetXmlInt(L"n");
-        for (int wait = 0; wait < 10000 && m_config.GetXmlInt(L"n") == before; ++wait)
-            ::Sleep(1);
-        ::Sleep(random.Below(20));
-        ::TerminateProcess(writer.hProcess, 0);
-        ::WaitForSingleObject(writer.hProcess, INFINITE);
-        ::CloseHandle(writer.hThread);
-        ::CloseHandle(writer.hProcess);
+        {
+            const test::StartedProgram writer(command);
+            for (int wait = 0; wait < 10000 && m_config.GetXmlInt(L"n") == before; ++wait)
+                ::Sleep(1);
+            ::Sleep(random.Below(20));
+        }
         const int now = m_config.GetXmlInt(L"n");
         EXPECT_GT(now, before);
         EXPECT_EQ(m_config.GetXmlString(L"text").size(), 100000U);
