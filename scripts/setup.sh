@@ -2,6 +2,9 @@
 # Makes a bare Debian 12 machine able to build, run and test Kelpkit: installs what is missing, builds the
 # libraries that Debian does not offer for mingw into build/deps, and makes the Wine prefixes in build/wine.
 # Safe to run again; what is there is left alone.
+#
+#     setup.sh            what building, running and testing need
+#     setup.sh bench      and what the benchmarks need: Google Benchmark and the libraries that Kelpkit is compared with
 set -euo pipefail
 
 root=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd)
@@ -11,6 +14,10 @@ code_pages='936:zh_CN.UTF-8 1252:en_US.UTF-8'
 packages='binutils-mingw-w64-x86-64 cmake g++-mingw-w64-x86-64-posix googletest libboost-dev locales
     ninja-build patch wine wine64 xauth xvfb'
 : "${KELPKIT_EXTRA_PACKAGES:=}"
+benchmarks=${1:-}
+if [ "$benchmarks" = bench ]; then
+    packages="$packages libfmt-dev libgcrypt-mingw-w64-dev libspdlog-dev python3-matplotlib"
+fi
 
 say() { printf 'setup: %s\n' "$*"; }
 
@@ -144,10 +151,21 @@ build_pugixml() {
     printf '%s' "$recipe" >"$stamp"
 }
 
-# mingw must never see the system's include folder itself, only Boost in it.
-link_boost() {
+build_benchmark() {
+    local stamp=$deps/benchmark.stamp recipe
+    set -- -DBENCHMARK_ENABLE_TESTING=OFF -DBENCHMARK_INSTALL_DOCS=OFF
+    recipe=$*
+    if [ "$(cat "$stamp" 2>/dev/null || true)" = "$recipe" ]; then return; fi
+    unpack_source benchmark
+    build_dependency benchmark "$deps/src/benchmark" "$@"
+    printf '%s' "$recipe" >"$stamp"
+}
+
+# mingw must never see the system's include folder itself, only some libraries in it.
+link_headers() {
+    local library
     mkdir -p "$deps/include"
-    ln -sfn /usr/include/boost "$deps/include/boost"
+    for library in "$@"; do ln -sfn "/usr/include/$library" "$deps/include/$library"; done
 }
 
 make_wine_prefix() {
@@ -163,6 +181,10 @@ install_packages
 generate_locales
 build_log4cplus
 build_pugixml
-link_boost
+link_headers boost
+if [ "$benchmarks" = bench ]; then
+    build_benchmark
+    link_headers fmt spdlog
+fi
 for entry in $code_pages; do make_wine_prefix "${entry%%:*}"; done
 say "ready"

@@ -1,0 +1,12 @@
+#include "TextBench.h"
+
+#include "Bench.h"
+
+void bench::Register()
+{
+    RegisterEncoding();
+    RegisterStrings();
+    RegisterBase64();
+    RegisterMd5();
+    RegisterVersionCompare();
+}
