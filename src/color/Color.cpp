@@ -2,9 +2,9 @@
 
 #include "color/ColorRef.h"
 
-#include <boost/lexical_cast.hpp>
-
+#include <charconv>
 #include <cwchar>
+#include <iterator>
 
 namespace KELPKIT
 {
@@ -13,20 +13,18 @@ namespace
 
 constexpr unsigned long kWhite = 0xFFFFFF;
 
-// The integer that a piece starts with, saturated on every runtime, which _wtoi is not. A few digits are read here;
-// what else a piece may hold is the runtime's to know.
-long Integer(const wchar_t* piece)
+// The integer that a piece starts with, saturated on every runtime, which _wtoi is not. Plain digits are read here, and
+// `at` moves behind them; what else a piece may hold is the runtime's to know.
+long Integer(const wchar_t*& at)
 {
     long value = 0;
-    for (int i = 0; i < 9; ++i) {
-        const wchar_t c = piece[i];
-        if (i > 0 && (c == L',' || c == L'\0'))
-            return value;
-        if (c < L'0' || c > L'9')
-            break;
-        value = value * 10 + (c - L'0');
-    }
-    return std::wcstol(piece, nullptr, 10);
+    const wchar_t* digit = at;
+    for (; digit - at < 9 && *digit >= L'0' && *digit <= L'9'; ++digit)
+        value = value * 10 + (*digit - L'0');
+    if (*digit != L',' && *digit != L'\0')
+        return std::wcstol(at, nullptr, 10);
+    at = digit;
+    return value;
 }
 
 // The value of a hexadecimal digit, or -1.
@@ -47,21 +45,29 @@ unsigned long RGBColorToREF(const std::wstring& text)
 {
     unsigned parts[3];
     int count = 0;
-    for (const wchar_t* at = text.c_str(); true; at += std::wcscspn(at, L",")) {
-        at += std::wcsspn(at, L",");
-        if (*at == L'\0')
-            break;
+    for (const wchar_t* at = text.c_str(); *at != L'\0';) {
+        if (*at == L',') {
+            ++at;
+            continue;
+        }
         if (count == 3)
             return kWhite;
         parts[count++] = static_cast<unsigned>(Integer(at));
+        while (*at != L',' && *at != L'\0')
+            ++at;
     }
     return count == 3 ? ColorRef(parts[0], parts[1], parts[2]) : kWhite;
 }
 
 std::wstring REFColorToRGB(unsigned long color)
 {
-    const auto part = [color](int shift) { return boost::lexical_cast<std::wstring>(color >> shift & 0xFF); };
-    return part(0) + L',' + part(8) + L',' + part(16);
+    char text[sizeof "255,255,255,"];
+    char* end = text;
+    for (const int shift : {0, 8, 16}) {
+        end = std::to_chars(end, std::end(text), color >> shift & 0xFF).ptr;
+        *end++ = ',';
+    }
+    return {text, end - 1};
 }
 
 unsigned long HexColorToREF(const std::wstring& text)
