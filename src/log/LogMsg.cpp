@@ -11,6 +11,7 @@
 
 #include <shlwapi.h>
 
+#include <algorithm>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -65,14 +66,17 @@ const Severity* FindSeverity(loglv level)
     return nullptr;
 }
 
-// One wide character for each byte. Streams would ask a locale, which may change, and lose bytes of 0x80 and more.
-std::wstring WidenBytes(const std::string& bytes)
+// What the log is given: the text's bytes in the ANSI code page, one wide character for each. Streams would ask a
+// locale, which may change, and lose bytes of 0x80 and more. ASCII, which most messages are, stays as it is.
+std::wstring Message(const wchar_t* text)
 {
-    std::wstring wide;
-    wide.reserve(bytes.size());
-    for (const char byte : bytes)
-        wide.push_back(static_cast<unsigned char>(byte));
-    return wide;
+    std::wstring message = text;
+    if (std::all_of(message.begin(), message.end(), [](wchar_t c) { return c < 0x80; }))
+        return message;
+    const std::string bytes = UnicodeToAnsi(message);
+    message.resize(bytes.size());
+    std::transform(bytes.begin(), bytes.end(), message.begin(), [](unsigned char byte) { return byte; });
+    return message;
 }
 
 // Creates every level of a folder that ends in a backslash. Levels that exist, the drive among them, just fail.
@@ -111,8 +115,7 @@ void CLogMsg::LogMsg(loglv level, const wchar_t* text)
     WithoutReport([&] {
         if (!g_logger.isEnabledFor(severity->level))
             return;
-        log4cplus::detail::macro_forced_log(g_logger, severity->level, WidenBytes(UnicodeToAnsi(text)), kFile,
-                                            severity->line, kFunction);
+        log4cplus::detail::macro_forced_log(g_logger, severity->level, Message(text), kFile, severity->line, kFunction);
     });
 }
 
