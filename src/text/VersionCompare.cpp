@@ -1,5 +1,7 @@
 #include "Kelpkit/Text.h"
 
+#include "text/Blocks.h"
+
 #include <algorithm>
 #include <climits>
 #include <string_view>
@@ -9,26 +11,31 @@ namespace KELPKIT
 namespace
 {
 
-bool IsDigit(char c)
+template <class Char>
+bool IsDigit(Char c)
 {
     return c >= '0' && c <= '9';
 }
 
 // Takes the run of digits, or of anything else, that text starts with off it.
-std::string_view TakeRun(std::string_view& text)
+template <class Char>
+std::basic_string_view<Char> TakeRun(std::basic_string_view<Char>& text)
 {
     const bool digits = IsDigit(text.front());
-    const auto end = std::find_if(text.begin(), text.end(), [digits](char c) { return IsDigit(c) != digits; });
-    const std::string_view run = text.substr(0, static_cast<std::size_t>(end - text.begin()));
-    text.remove_prefix(run.size());
+    std::size_t size = 1;
+    while (size < text.size() && IsDigit(text[size]) == digits)
+        ++size;
+    const auto run = text.substr(0, size);
+    text.remove_prefix(size);
     return run;
 }
 
 // Too large a number is INT_MAX, which atoi does not give on every runtime.
-int Number(std::string_view digits)
+template <class Char>
+int Number(std::basic_string_view<Char> digits)
 {
     int number = 0;
-    for (const char c : digits) {
+    for (const Char c : digits) {
         const int digit = c - '0';
         if (number > (INT_MAX - digit) / 10)
             return INT_MAX;
@@ -38,7 +45,8 @@ int Number(std::string_view digits)
 }
 
 // -1, 0 or 1.
-int CompareRuns(std::string_view a, std::string_view b)
+template <class Char>
+int CompareRuns(std::basic_string_view<Char> a, std::basic_string_view<Char> b)
 {
     if (IsDigit(a.front()) && IsDigit(b.front())) {
         const int numberA = Number(a);
@@ -49,22 +57,43 @@ int CompareRuns(std::string_view a, std::string_view b)
     return (order > 0) - (order < 0);
 }
 
+// Takes the runs that both start with off them, but for the last, which may go on differently.
+template <class Char>
+void SkipEqualRuns(std::basic_string_view<Char>& a, std::basic_string_view<Char>& b)
+{
+    const std::size_t most = std::min(a.size(), b.size());
+    std::size_t equal = 0;
+    std::size_t lastRun = 0;
+    for (; equal < most && a[equal] == b[equal]; ++equal) {
+        if (IsDigit(a[equal]) != IsDigit(a[lastRun]))
+            lastRun = equal;
+    }
+    a.remove_prefix(lastRun);
+    b.remove_prefix(lastRun);
+}
+
+template <class Char>
+int CompareVersions(std::basic_string_view<Char> a, std::basic_string_view<Char> b)
+{
+    SkipEqualRuns(a, b);
+    while (!a.empty() && !b.empty()) {
+        const int order = CompareRuns(TakeRun(a), TakeRun(b));
+        if (order != 0)
+            return order;
+    }
+    return static_cast<int>(b.empty()) - static_cast<int>(a.empty());
+}
+
 } // namespace
 
 // By contract both are taken by value.
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
 int ALargeB(std::wstring a, std::wstring b)
 {
-    const std::string narrowA = ConvertTStringToString(a);
-    const std::string narrowB = ConvertTStringToString(b);
-    std::string_view restA = narrowA;
-    std::string_view restB = narrowB;
-    while (!restA.empty() && !restB.empty()) {
-        const int order = CompareRuns(TakeRun(restA), TakeRun(restB));
-        if (order != 0)
-            return order;
-    }
-    return static_cast<int>(restB.empty()) - static_cast<int>(restA.empty());
+    // The bytes of the ANSI code page are what is compared. ASCII needs no conversion for that.
+    if (blocks::IsAscii(a.data(), a.size()) && blocks::IsAscii(b.data(), b.size()))
+        return CompareVersions<wchar_t>(a.c_str(), b.c_str());
+    return CompareVersions<char>(ConvertTStringToString(a), ConvertTStringToString(b));
 }
 
 bool IsDoubleZero(double x)
