@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <emmintrin.h>
+#include <string_view>
 
 #if defined(_MSC_VER)
 #include <intrin.h>
@@ -97,6 +98,50 @@ bool IsAscii(const Char* text, std::size_t length)
     while (i < length && text[i] > 0 && text[i] < 0x80)
         ++i;
     return i == length || text[i] == 0;
+}
+
+// A bit for each of sixteen units that equals the given one.
+inline unsigned EqualMask(const char* from, char unit)
+{
+    return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(Load(from), _mm_set1_epi8(unit))));
+}
+
+inline unsigned EqualMask(const wchar_t* from, wchar_t unit)
+{
+    const __m128i wanted = _mm_set1_epi16(static_cast<short>(unit));
+    const __m128i low = _mm_cmpeq_epi16(Load(from), wanted);
+    const __m128i high = _mm_cmpeq_epi16(Load(from + 8), wanted);
+    return static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(low, high)));
+}
+
+// Calls use(place) for each hit of a pattern, which is not empty, that does not overlap the hit before. Looks where the
+// first and the last unit of the pattern fit. By then, use may have changed what lies before the end of the hit.
+template <class Char, class Use>
+void ForEachHit(std::basic_string_view<Char> text, std::basic_string_view<Char> pattern, const Use& use)
+{
+    const std::size_t last = pattern.size() - 1;
+    if (text.size() < last + 16) {
+        for (std::size_t hit = text.find(pattern); hit != text.npos; hit = text.find(pattern, hit + pattern.size()))
+            use(hit);
+        return;
+    }
+    std::size_t next = 0;
+    const auto lookAt = [&](std::size_t block) {
+        const Char* const at = text.data() + block;
+        unsigned fits = EqualMask(at, pattern.front()) & EqualMask(at + last, pattern.back());
+        for (; fits != 0; fits &= fits - 1) {
+            const std::size_t hit = block + TrailingZeros(fits);
+            if (hit < next || (last > 1 && text.compare(hit + 1, last - 1, pattern.substr(1, last - 1)) != 0))
+                continue;
+            use(hit);
+            next = hit + pattern.size();
+        }
+    };
+    // The last block overlaps the one before it, whose hits lie before next.
+    const std::size_t lastBlock = text.size() - last - 16;
+    for (std::size_t block = 0; block < lastBlock; block += 16)
+        lookAt(block);
+    lookAt(lastBlock);
 }
 
 } // namespace KELPKIT::blocks

@@ -1,5 +1,7 @@
 #include "Kelpkit/Text.h"
 
+#include "text/Blocks.h"
+
 #include <cstddef>
 #include <string_view>
 
@@ -8,10 +10,12 @@ namespace KELPKIT
 namespace
 {
 
+template <class Char>
+using View = std::basic_string_view<Char>;
+
 // Moves what stays towards the front while it goes: no result is longer than what it replaces.
 template <class Char>
-void ReplaceInPlace(std::basic_string<Char>& text, std::size_t hit, std::basic_string_view<Char> pattern,
-                    std::basic_string_view<Char> replacement)
+void ReplaceInPlace(std::basic_string<Char>& text, View<Char> pattern, View<Char> replacement)
 {
     using Traits = std::char_traits<Char>;
     Char* const data = text.data();
@@ -22,28 +26,76 @@ void ReplaceInPlace(std::basic_string<Char>& text, std::size_t hit, std::basic_s
             Traits::move(data + written, data + read, end - read);
         written += end - read;
     };
-    for (; hit != text.npos; hit = text.find(pattern.data(), read, pattern.size())) {
+    blocks::ForEachHit<Char>(text, pattern, [&](std::size_t hit) {
         keep(hit);
         Traits::copy(data + written, replacement.data(), replacement.size());
         written += replacement.size();
         read = hit + pattern.size();
-    }
+    });
     keep(text.size());
     text.resize(written);
 }
 
+// Appends to a text by way of a buffer: a call for each few units would cost more than they do.
 template <class Char>
-void ReplaceIntoCopy(std::basic_string<Char>& text, std::size_t hit, std::basic_string_view<Char> pattern,
-                     std::basic_string_view<Char> replacement)
+class Appender
 {
-    std::basic_string<Char> result;
-    result.reserve(text.size() + replacement.size() - pattern.size());
-    std::size_t read = 0;
-    for (; hit != text.npos; hit = text.find(pattern.data(), read, pattern.size())) {
-        result.append(text, read, hit - read).append(replacement);
-        read = hit + pattern.size();
+public:
+    explicit Appender(std::basic_string<Char>& text) : m_text(text) {}
+
+    void Append(View<Char> piece)
+    {
+        if (piece.size() > kRoom - m_used)
+            Flush();
+        if (piece.size() > kRoom) {
+            m_text.append(piece);
+            return;
+        }
+        Char* to = m_buffer + m_used;
+        m_used += piece.size();
+        if (piece.size() > kFew) {
+            piece.copy(to, piece.size());
+            return;
+        }
+        for (const Char c : piece)
+            *to++ = c;
     }
-    text = std::move(result.append(text, read));
+
+    void Flush()
+    {
+        m_text.append(m_buffer, m_used);
+        m_used = 0;
+    }
+
+private:
+    static constexpr std::size_t kRoom = 1024;
+    static constexpr std::size_t kFew = 8;
+
+    std::basic_string<Char>& m_text;
+    std::size_t m_used = 0;
+    Char m_buffer[kRoom];
+};
+
+template <class Char>
+void ReplaceIntoCopy(std::basic_string<Char>& text, View<Char> pattern, View<Char> replacement)
+{
+    const View<Char> source = text;
+    std::size_t hits = 0;
+    blocks::ForEachHit(source, pattern, [&hits](std::size_t) { ++hits; });
+    if (hits == 0)
+        return;
+    std::basic_string<Char> result;
+    result.reserve(source.size() + hits * (replacement.size() - pattern.size()));
+    Appender<Char> appender(result);
+    std::size_t read = 0;
+    blocks::ForEachHit(source, pattern, [&](std::size_t hit) {
+        appender.Append(source.substr(read, hit - read));
+        appender.Append(replacement);
+        read = hit + pattern.size();
+    });
+    appender.Append(source.substr(read));
+    appender.Flush();
+    text = std::move(result);
 }
 
 template <class Char>
@@ -51,15 +103,14 @@ void Replace(std::basic_string<Char>& text, const std::basic_string<Char>& patte
              const std::basic_string<Char>& replacement)
 {
     // An empty pattern would be found at every place, for ever.
-    const std::size_t hit = pattern.empty() ? text.npos : text.find(pattern);
-    if (hit == text.npos)
+    if (pattern.empty())
         return;
     if (&pattern == &text)
         text = std::basic_string<Char>(replacement);
     else if (&replacement == &text || replacement.size() > pattern.size())
-        ReplaceIntoCopy<Char>(text, hit, pattern, replacement);
+        ReplaceIntoCopy<Char>(text, pattern, replacement);
     else
-        ReplaceInPlace<Char>(text, hit, pattern, replacement);
+        ReplaceInPlace<Char>(text, pattern, replacement);
 }
 
 template <class Char>
@@ -98,6 +149,22 @@ private:
     bool m_ascii[kAsciiCount] = {};
 };
 
+// Calls use(start, end) for each piece between delimiters that is not empty.
+template <class Use>
+void ForEachPiece(const wchar_t* at, const CharacterSet& delimiters, const Use& use)
+{
+    while (true) {
+        while (*at != L'\0' && delimiters.Contains(*at))
+            ++at;
+        if (*at == L'\0')
+            return;
+        const wchar_t* const start = at;
+        while (*at != L'\0' && !delimiters.Contains(*at))
+            ++at;
+        use(start, at);
+    }
+}
+
 } // namespace
 
 std::wstring& StringLtrim(std::wstring& text, wchar_t c)
@@ -130,18 +197,12 @@ void StringReplace(std::wstring& text, const std::wstring& pattern, const std::w
 void StringMulitSplit(const std::wstring& source, const std::wstring& delimiters, std::vector<std::wstring>& pieces)
 {
     const CharacterSet set(delimiters.c_str());
+    std::size_t count = 0;
+    ForEachPiece(source.c_str(), set, [&count](const wchar_t*, const wchar_t*) { ++count; });
     std::vector<std::wstring> found;
-    const wchar_t* at = source.c_str();
-    while (true) {
-        while (*at != L'\0' && set.Contains(*at))
-            ++at;
-        if (*at == L'\0')
-            break;
-        const wchar_t* const start = at;
-        while (*at != L'\0' && !set.Contains(*at))
-            ++at;
-        found.emplace_back(start, at);
-    }
+    found.reserve(count);
+    ForEachPiece(source.c_str(), set,
+                 [&found](const wchar_t* start, const wchar_t* end) { found.emplace_back(start, end); });
     pieces = std::move(found);
 }
 

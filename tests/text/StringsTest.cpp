@@ -231,6 +231,17 @@ TEST(StringReplace, AgreesWithOneHitAtATimeOnRandomTexts)
     }
 }
 
+TEST(StringReplace, AgreesWithOneHitAtATimeOnLongTexts)
+{
+    std::mt19937 random(5);
+    for (int round = 0; round < 300; ++round) {
+        const auto text = RandomText<std::wstring>(random, 5000, L"ab");
+        const auto pattern = text.substr(text.size() / 3, 1 + random() % 30);
+        const auto replacement = RandomText<std::wstring>(random, round % 10 == 0 ? 3000 : 40, L"abc");
+        ASSERT_EQ(Replaced(text, pattern, replacement), SlowlyReplaced(text, pattern, replacement));
+    }
+}
+
 TEST(StringReplace, HandlesAMillionHits)
 {
     const std::wstring text(1000000, L'a');
