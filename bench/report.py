@@ -5,6 +5,7 @@ FOLDER holds the programs' JSON documents. Writes report.md and chart.svg into i
 """
 
 import json
+import math
 import pathlib
 import statistics
 import sys
@@ -12,6 +13,8 @@ import sys
 import matplotlib
 
 matplotlib.use("svg")
+matplotlib.rcParams["svg.fonttype"] = "none"
+matplotlib.rcParams["svg.hashsalt"] = "kelpkit"
 from matplotlib import pyplot  # noqa: E402: the backend is chosen first
 
 
@@ -24,7 +27,7 @@ def read_runs(folder):
         context = context or document["context"]
         for run in document["benchmarks"]:
             if run["run_type"] == "iteration":
-                operation, size, who = run["run_name"].removesuffix("/real_time").split("|")
+                operation, size, who = run["run_name"].rpartition("/")[0].split("|")
                 groups.setdefault((operation, size), {}).setdefault(who, []).append(run)
     return groups, context
 
@@ -64,19 +67,31 @@ def comparison_table(rows):
         )
 
 
-def growth_table(groups):
+def growth_tables(groups):
+    """One table for each range of sizes: the time at each, how it grows (1 is linear), and the peak of the heap."""
     growths = {}
     for (operation, size), contenders in groups.items():
         if "growth" in contenders:
             runs = contenders["growth"]
-            growths.setdefault(operation, {})[int(size)] = (nanoseconds(runs) / int(size), runs[0]["peak"])
-    sizes = sorted({size for growth in growths.values() for size in growth})
-    yield "| operation, size in | " + " | ".join(f"ns each at {size:,}" for size in sizes) + " | peak bytes each |"
-    yield "|---|" + "---:|" * (len(sizes) + 1)
-    for operation, growth in growths.items():
-        largest = max(growth)
-        times = " | ".join(f"{growth[size][0]:.3g}" if size in growth else "" for size in sizes)
-        yield f"| {operation} | {times} | {growth[largest][1] / largest:.3g} |"
+            growths.setdefault(operation, {})[int(size)] = (nanoseconds(runs), runs[0]["peak"])
+    for sizes in sorted({tuple(growth) for growth in growths.values()}):
+        yield "| operation, size in | " + " | ".join(f"{size:,}" for size in sizes) + " | exponent | peak bytes each |"
+        yield "|---|" + "---:|" * (len(sizes) + 2)
+        for operation, growth in growths.items():
+            if tuple(growth) == sizes:
+                times = [growth[size][0] for size in sizes]
+                # The last two decades: below them, what a call costs at any size shows.
+                exponent = math.log10(times[-1] / times[-3]) / 2
+                peak = growth[sizes[-1]][1] / sizes[-1]
+                yield f"| {operation} | {' | '.join(map(duration, times))} | {exponent:.2f} | {peak:.3g} |"
+        yield ""
+
+
+def processor():
+    for line in pathlib.Path("/proc/cpuinfo").read_text(encoding="utf-8").splitlines():
+        if line.startswith("model name"):
+            return line.partition(":")[2].strip()
+    return "unknown processor"
 
 
 def draw(rows, path):
@@ -105,15 +120,14 @@ def main():
     lines = [
         "# Benchmarks",
         "",
-        f"Medians of up to {rounds} rounds, {context['date']}; {context['num_cpus']} processors of"
-        f" {context['mhz_per_cpu']} MHz. {sum(goals)} of {len(goals)} goals met.",
+        f"Medians of {rounds} rounds, {context['date']}; {context['num_cpus']} processors, {processor()}."
+        f" {sum(goals)} of {len(goals)} goals met.",
         "",
         *comparison_table(rows),
         "",
         "## Growth",
         "",
-        *growth_table(groups),
-        "",
+        *growth_tables(groups),
     ]
     (folder / "report.md").write_text("\n".join(lines), encoding="utf-8")
     draw(rows, folder / "chart.svg")

@@ -16,7 +16,7 @@ packages='binutils-mingw-w64-x86-64 cmake g++-mingw-w64-x86-64-posix googletest 
 : "${KELPKIT_EXTRA_PACKAGES:=}"
 benchmarks=${1:-}
 if [ "$benchmarks" = bench ]; then
-    packages="$packages libfmt-dev libgcrypt-mingw-w64-dev libspdlog-dev python3-matplotlib"
+    packages="$packages libfmt-dev libgcrypt-mingw-w64-dev libspdlog-dev"
 fi
 
 say() { printf 'setup: %s\n' "$*"; }
