@@ -5,7 +5,7 @@
 set -euo pipefail
 
 root=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd)
-results=$root/build/test-results
+results=$root/build/mingw-release/test-results
 "$root/scripts/setup.sh"
 "$root/scripts/build.sh"
 
@@ -13,7 +13,7 @@ rm -rf "$results"
 mkdir -p "$results"
 cd "$root"
 status=0
-KELPKIT_RESULTS=$results xvfb-run -a ctest --preset mingw-release "$@" || status=$?
+xvfb-run -a ctest --preset mingw-release "$@" || status=$?
 
 [ "$status" -eq 0 ] || echo "test: FAILED, see above"
 

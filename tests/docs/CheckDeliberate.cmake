@@ -1,0 +1,37 @@
+# Each test that the ledger of deliberate behaviour names ran in this test run, under one of the code pages at least.
+#
+#     cmake -DLEDGER=docs/deliberate.md -DRESULTS=<folder of GoogleTest's XML reports> -P CheckDeliberate.cmake
+
+cmake_minimum_required(VERSION 3.25)
+
+set(ran)
+file(GLOB reports "${RESULTS}/*.xml")
+foreach(report IN LISTS reports)
+  file(STRINGS "${report}" cases REGEX "<testcase .*result=\"completed\"")
+  foreach(case IN LISTS cases)
+    # The names of tests with parameters carry those in parts of their own.
+    string(REGEX REPLACE ".*<testcase name=\"([^/\"]+).* classname=\"([^/\"]+/)?([^/\"]+).*" "\\3.\\1" test "${case}")
+    list(APPEND ran "${test}")
+  endforeach()
+endforeach()
+
+set(named 0)
+file(STRINGS "${LEDGER}" rows REGEX "^\\| `")
+foreach(row IN LISTS rows)
+  string(REGEX MATCH "\\| [^|]* \\|$" pins "${row}")
+  string(REGEX MATCHALL "`[A-Za-z0-9_]+\\.[A-Za-z0-9_]+`" pins "${pins}")
+  if(NOT pins)
+    message(SEND_ERROR "No test pins this row: ${row}")
+  endif()
+  foreach(test IN LISTS pins)
+    string(REPLACE "`" "" test "${test}")
+    math(EXPR named "${named} + 1")
+    if(NOT test IN_LIST ran)
+      message(SEND_ERROR "${test} did not run")
+    endif()
+  endforeach()
+endforeach()
+if(named EQUAL 0)
+  message(FATAL_ERROR "${LEDGER} names no test")
+endif()
+message(STATUS "${named} names of tests in ${LEDGER}, all of which ran")
