@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// Hosting of child programs: another program is started, and its main window is shown inside a window of this one.
 
 #include "Export.h"

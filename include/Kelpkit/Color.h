@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// Colours: conversions between COLORREF, "R,G,B" text, hexadecimal text and CAD colour indices.
 ///
 /// A COLORREF is Windows' 32-bit value 0x00BBGGRR, with red in the low byte. It is an unsigned long here, which is the

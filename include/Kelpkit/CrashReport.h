@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// Crash dumps: one call, early, and a crash of the process leaves a minidump file.
 
 #include "Export.h"
@@ -10,14 +11,14 @@ namespace KELPKIT
 /// From now on an exception that no thread of the process handles, whichever thread it is, leaves a minidump. The crash
 /// then takes its normal course: the system's crash report shows, and the process ends with the exception's code.
 ///
-/// The dump lies in the user's temporary folder, as Windows' GetTempPathW has it at the time of the crash; in "C:\"
+/// The dump lies in the user's temporary folder, as Windows' GetTempPathW has it at the time of the crash; in `C:\`
 /// where Windows knows none, and in the current folder where the path is longer than 259 characters. Its name is the
 /// local time and the executable's file name: app.exe that crashes at 14:05:09 on 3 March 2024 leaves
 /// 20240303140509_app.exe.dmp. A dump of the same name is overwritten. A dump's whole path is cut at 259 characters
 /// (UTF-16 units).
 ///
 /// Of the executable's file name as many bytes are taken as its full path has characters, which cuts a name that is
-/// longer than half the path: C:\a\longname.exe has 17 characters, and 17 bytes of the name are "longname" and the
+/// longer than half the path: `C:\a\longname.exe` has 17 characters, and 17 bytes of the name are "longname" and the
 /// first byte of the dot, so the dump's name ends in _longname..dmp.
 ///
 /// Nothing is reported, neither now nor at the crash: where no dump can be written, there is none. The handler takes no

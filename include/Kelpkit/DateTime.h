@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// Dates and times: conversions between text, seconds since 1970, milliseconds and COleDateTime.
 ///
 /// A COleDateTime is a date with its time of day, in days since 30 December 1899, with a status: valid, invalid or

@@ -1,9 +1,10 @@
 #pragma once
 
+/// @file
 /// Files and folders: questions about a path; folder trees made, copied and deleted; folders for a scope.
 ///
 /// The backslash is the only separator: "/" is a character like any other. Paths go to the system as they are given,
-/// with nothing added, folded or resolved; paths that begin with "\\?\" included. A path ends at its first zero
+/// with nothing added, folded or resolved; paths that begin with `\\?\` included. A path ends at its first zero
 /// character wherever the system reads it. No function keeps state or a handle; each may be called from any thread. An
 /// object may be used by one thread at a time. None throws for a bad path.
 
@@ -66,13 +67,13 @@ KELPKIT_API bool MakeDirectory(const std::wstring& path);
 
 /// Deletes a folder with everything in it, read-only, hidden and system files included. Returns whether the folder
 /// itself is gone by this call's doing: false where it is missing, where something in it could not be deleted, and for
-/// paths of 3 characters or fewer, such as "C:\", which are refused untouched.
+/// paths of 3 characters or fewer, such as `C:\`, which are refused untouched.
 ///
 /// Whatever the file system calls a folder is entered: a junction or a link to a folder is followed, and what it leads
-/// to is emptied. The path is taken at its word: "C:\\" has four characters and names the whole drive.
+/// to is emptied. The path is taken at its word: `C:\\` has four characters and names the whole drive.
 ///
 /// One backslash is always added, also behind one that is there. Windows takes doubled ones, but not in paths that begin
-/// with "\\?\": below such a path, folders in the folder are not deleted.
+/// with `\\?\`: below such a path, folders in the folder are not deleted.
 KELPKIT_API bool DeleteDirectory(const std::wstring& path);
 
 /// Copies folder trees, leaving out what was excluded, and deletes them.
@@ -85,13 +86,15 @@ class CFileFolderManageTool
 public:
     /// Excludes nothing.
     KELPKIT_API CFileFolderManageTool();
+    /// Excludes what other does.
     KELPKIT_API CFileFolderManageTool(const CFileFolderManageTool& other);
+    /// From now on excludes what other does, and nothing else.
     KELPKIT_API CFileFolderManageTool& operator=(const CFileFolderManageTool& other);
     KELPKIT_API ~CFileFolderManageTool();
 
     /// Excludes files and folders, a folder with all that is in it, by their paths. A path must be written as CopyFolder
-    /// makes it: the source as it is given there, "\", and the names down to the entry. "C:\Src\Temp" excludes Temp from
-    /// a copy of "C:\Src", but not from one of "C:\Src\", where its path is "C:\Src\\Temp".
+    /// makes it: the source as it is given there, a backslash, and the names down to the entry. `C:\Src\Temp` excludes Temp
+    /// from a copy of `C:\Src`, but not from one of `C:\Src\`, where its path is `C:\Src\\Temp`.
     KELPKIT_API void SetNoNeedFilePath(const std::wstring& paths);
 
     /// Excludes files by what stands behind the last dot of their path; where it has none, by the whole path. The dot is

@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// All of Kelpkit's public headers.
 
 #include "ChildExe.h"

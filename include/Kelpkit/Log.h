@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// The message log: one log4cplus logger, named "log", for the whole process.
 ///
 /// The application says where the log goes, once, early:
@@ -34,8 +35,11 @@ enum loglv : int {
 class CLogMsg
 {
 public:
+    /// Does nothing.
     KELPKIT_API CLogMsg();
+    /// Copies nothing.
     CLogMsg(const CLogMsg& other) = default;
+    /// Assigns nothing.
     KELPKIT_API CLogMsg& operator=(const CLogMsg& other);
     KELPKIT_API ~CLogMsg();
 

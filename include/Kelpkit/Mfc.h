@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// The MFC types of Kelpkit's interface, with CWnd for applications that host windows: the real ones where the toolchain
 /// has MFC, else stand-ins with the same names and behaviour, which applications may use as well.
 

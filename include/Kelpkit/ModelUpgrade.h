@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// Upgrade of model files by the external converter.
 
 #include "Export.h"

@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// The running system: where the host program is, the temporary folder, names and addresses, the Windows version;
 /// identifiers of the hardware; UUIDs.
 ///
@@ -17,7 +18,7 @@ namespace KELPKIT
 /// there, as Windows cuts them.
 ///
 /// Parent references are folded, each with the folder name before it; a name of one character is passed over and the
-/// one before it goes, too. "\.." counts wherever it stands, also at the start of a longer name.
+/// one before it goes, too. `\..` counts wherever it stands, also at the start of a longer name.
 ///
 ///     C:\App\bin\host.exe      "C:\App\bin\"
 ///     C:\a\bc\..\d\x.exe       "C:\a\d\"

@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// Text: conversion between UTF-16, UTF-8 and the ANSI code page; trimming, replacing and splitting; Base64; MD5;
 /// comparison of versions.
 ///
@@ -81,6 +82,8 @@ KELPKIT_API std::wstring& StringTrim(std::wstring& text, wchar_t c);
 /// nothing. pattern and replacement may be text itself: their values at the call count. Takes time in proportion
 /// to the text, however many hits.
 KELPKIT_API void StringReplace(std::string& text, const std::string& pattern, const std::string& replacement);
+
+/// The same for wide text.
 KELPKIT_API void StringReplace(std::wstring& text, const std::wstring& pattern, const std::wstring& replacement);
 
 /// Splits source at every character of the set delimiters and stores the pieces in pieces, replacing what it held.
@@ -94,12 +97,14 @@ KELPKIT_API void StringMulitSplit(const std::wstring& source, const std::wstring
 /// right may be source itself.
 KELPKIT_API bool StringSplitLeftRight(const std::string& source, const std::string& separator, std::string& left,
                                       std::string& right);
+
+/// The same for wide text.
 KELPKIT_API bool StringSplitLeftRight(const std::wstring& source, const std::wstring& separator, std::wstring& left,
                                       std::wstring& right);
 
 /// Cuts source into pieces of at most width units and appends them to pieces, which is not cleared. A double-byte
 /// character of the ANSI code page is one unit, two single-byte characters are one: "abcde" at width 1 gives "ab",
-/// "cd", "e". A rest that is exactly "\n\r" is dropped. At width 0 or less, every character is a piece.
+/// "cd", "e". A rest that is exactly `\n\r` is dropped. At width 0 or less, every character is a piece.
 /// The text passes through the ANSI code page, and what that lacks is lost; every byte of 0x80 or more is taken for
 /// the first of a pair, which fits double-byte code pages such as 936.
 KELPKIT_API void StringSplitBySize(const std::wstring& source, int width, std::vector<std::wstring>& pieces);
@@ -110,7 +115,7 @@ KELPKIT_API void StringSplitBySize(const std::wstring& source, int width, std::v
 /// static.
 ///
 /// Decoding is lenient and reports no error. The text is read in quanta of four characters, each giving three bytes:
-/// - Between quanta, "\r", "\n" and the control characters 1 and 2 are skipped.
+/// - Between quanta, `\r`, `\n` and the control characters 1 and 2 are skipped.
 /// - Inside a quantum, any character that is not in the alphabet counts as "A", whose value is 0. So does what a last
 ///   quantum lacks at the end of the text: "TQ" gives the bytes 4D 00 00.
 /// - A "=" in the third place of a quantum ends it after one byte, in the fourth after two. It is not skipped, so it is
@@ -118,13 +123,18 @@ KELPKIT_API void StringSplitBySize(const std::wstring& source, int width, std::v
 class CBase64
 {
 public:
+    /// Does nothing.
     CBase64() = default;
+    /// Copies nothing.
     CBase64(const CBase64& other) = default;
+    /// Assigns nothing.
     KELPKIT_API CBase64& operator=(const CBase64& other);
 
     /// The text for length bytes of data, on one line: "Man" gives "TWFu", "M" gives "TQ==". Empty where length is 0 or
-    /// less. The second form encodes all bytes of data, embedded zeros included.
+    /// less.
     KELPKIT_API static std::string Encode(const char* data, int length);
+
+    /// The text for all bytes of data, embedded zeros included.
     KELPKIT_API static std::string Encode(std::string data);
 
     /// Decodes length characters of text to out, which belongs to the caller, followed by a zero byte. Returns the number
@@ -181,8 +191,11 @@ KELPKIT_API bool IsDoubleZero(double x);
 class CSortAssist
 {
 public:
+    /// Does nothing.
     KELPKIT_API CSortAssist();
+    /// Copies nothing.
     CSortAssist(const CSortAssist& other) = default;
+    /// Assigns nothing.
     KELPKIT_API CSortAssist& operator=(const CSortAssist& other);
     KELPKIT_API ~CSortAssist();
 };

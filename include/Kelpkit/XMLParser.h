@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// XMLParser.dll: an XML file (XML 1.0) as a tree with a current element, edited in place and saved whole.
 
 #include "Export.h"
@@ -7,6 +8,7 @@
 
 #include <memory>
 
+/// Marks what XMLParser.dll exports.
 #if !defined(_WIN32)
 #define XMLPARSER_API
 #elif defined(XMLPARSER_BUILD)
@@ -20,7 +22,7 @@
 ///
 /// Whatever is not edited stays as it is: other elements, attributes, comments, processing instructions, the
 /// declaration, the document type, CDATA sections, entity references, the encoding and its byte order mark. Only the
-/// spelling inside of tags is made uniform (<a></a> becomes <a/>, 'x' becomes "x"), and where elements stand on lines of
+/// spelling inside of tags is made uniform (`<a></a>` becomes `<a/>`, `'x'` becomes `"x"`), and where elements stand on lines of
 /// their own, new ones get a line and removed ones take theirs along; xml:space="preserve" keeps that away.
 class IXMLTree
 {
@@ -74,7 +76,7 @@ public:
     virtual void GetChildCount(int& count) = 0;
 
     /// The current element's own text, without that of its children: character references and the five entities of XML
-    /// resolved, other entity references as they stand, line ends in the file as "\n". Empty where there is none.
+    /// resolved, other entity references as they stand, line ends in the file as `\n`. Empty where there is none.
     /// False, with an empty text, if the tree is empty.
     virtual bool GetText(CString& text) = 0;
 
@@ -84,8 +86,11 @@ public:
     virtual ~IXMLTree() = default;
 
 protected:
+    /// Trees are made by CXMLTreeCreator, and handled by pointer.
     IXMLTree() = default;
+    /// For derived classes only.
     IXMLTree(const IXMLTree&) = default;
+    /// For derived classes only.
     IXMLTree& operator=(const IXMLTree&) = default;
 };
 
@@ -103,8 +108,11 @@ using IXMLTreePtr = std::auto_ptr<IXMLTree>; // NOLINT(modernize-replace-auto-pt
 class CXMLTreeCreator
 {
 public:
+    /// Does nothing.
     CXMLTreeCreator() = default;
+    /// Copies nothing.
     KELPKIT_API CXMLTreeCreator(const CXMLTreeCreator&);
+    /// Assigns nothing.
     KELPKIT_API CXMLTreeCreator& operator=(const CXMLTreeCreator&);
     XMLPARSER_API virtual ~CXMLTreeCreator();
 

@@ -1,5 +1,6 @@
 #pragma once
 
+/// @file
 /// Values in an XML configuration file, and the list of saved logins in it.
 
 #include "Export.h"
@@ -12,7 +13,7 @@ namespace KELPKIT
 
 /// A saved login.
 struct StUsrPwd {
-    std::wstring name;
+    std::wstring name;     ///< The user's.
     std::wstring password; ///< Stored as it is given; whoever can read the file can read it.
 };
 
@@ -21,7 +22,7 @@ struct StUsrPwd {
 /// be used by several threads, but two writers of one file can lose each other's changes: callers serialise writes.
 ///
 /// A key is a path of element names with "/" between, from below the document element, as IXMLTree::GoToPath takes it:
-/// "server/port" in <config><server><port>80</port></server></config>. A value is the element's text. A null key reads
+/// "server/port" in `<config><server><port>80</port></server></config>`. A value is the element's text. A null key reads
 /// as empty and writes nothing. Of several elements with one path, the first counts. A file that cannot be parsed behaves
 /// as one that is missing.
 class CXMLConfig
