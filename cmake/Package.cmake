@@ -15,9 +15,13 @@ install(FILES
   "${PROJECT_BINARY_DIR}/KelpkitConfig.cmake" "${PROJECT_BINARY_DIR}/KelpkitConfigVersion.cmake"
   DESTINATION "${package_dir}"
 )
-install(FILES THIRD-PARTY.md DESTINATION "${licenses_dir}/Kelpkit")
+install(FILES mfc/Kelpkit.natvis DESTINATION "${CMAKE_INSTALL_DATADIR}/Kelpkit")
+include(cmake/Sbom.cmake)
+install(FILES "${PROJECT_BINARY_DIR}/kelpkit.spdx.json" THIRD-PARTY.md DESTINATION "${licenses_dir}/Kelpkit")
 
 if(MINGW)
+  configure_file(cmake/kelpkit.pc.in kelpkit.pc @ONLY)
+  install(FILES "${PROJECT_BINARY_DIR}/kelpkit.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
   install(FILES ${KELPKIT_RUNTIME_DLLS} TYPE BIN)
   install(FILES $<TARGET_FILE:Kelpkit>.debug $<TARGET_FILE:XMLParser>.debug DESTINATION symbols)
 

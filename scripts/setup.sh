@@ -12,7 +12,7 @@ deps=$root/build/deps
 logs=$root/build/logs
 code_pages='936:zh_CN.UTF-8 1252:en_US.UTF-8'
 packages='binutils-mingw-w64-x86-64 cmake g++-mingw-w64-x86-64-posix googletest libboost-dev locales
-    ninja-build patch wine wine64 xauth xvfb'
+    ninja-build patch pkgconf wine wine64 xauth xvfb'
 : "${KELPKIT_EXTRA_PACKAGES:=}"
 benchmarks=${1:-}
 if [ "$benchmarks" = bench ]; then

@@ -28,6 +28,28 @@ endfunction()
 kelpkit_add_customer(consumer)
 kelpkit_add_customer(headers)
 
+find_program(KELPKIT_PKG_CONFIG NAMES pkgconf pkg-config)
+if(MINGW AND KELPKIT_PKG_CONFIG)
+  # Beside the other build of the program, which has the DLLs.
+  add_test(NAME package.pkgconfig
+    COMMAND "${CMAKE_COMMAND}" "-DPREFIX=${stage}" "-DPKG_CONFIG=${KELPKIT_PKG_CONFIG}" "-DCXX=${CMAKE_CXX_COMPILER}"
+      "-DSOURCE=${CMAKE_CURRENT_SOURCE_DIR}/package/consumer/main.cpp" "-DPROGRAM=${work}/consumer/pkgconfig.exe"
+      -P "${CMAKE_CURRENT_SOURCE_DIR}/package/BuildWithPkgConfig.cmake"
+  )
+  set_tests_properties(package.pkgconfig PROPERTIES
+    FIXTURES_REQUIRED package.consumer FIXTURES_SETUP package.pkgconfig
+  )
+  if(CMAKE_CROSSCOMPILING)
+    add_test(NAME package.pkgconfig.run COMMAND ${CMAKE_CROSSCOMPILING_EMULATOR} "${work}/consumer/pkgconfig.exe")
+    set_tests_properties(package.pkgconfig.run PROPERTIES
+      ENVIRONMENT KELPKIT_CODE_PAGE=936 FIXTURES_REQUIRED "wine.936;package.pkgconfig"
+    )
+  else()
+    add_test(NAME package.pkgconfig.run COMMAND "${work}/consumer/pkgconfig.exe")
+    set_tests_properties(package.pkgconfig.run PROPERTIES FIXTURES_REQUIRED package.pkgconfig)
+  endif()
+endif()
+
 if(CMAKE_CROSSCOMPILING)
   foreach(code_page IN LISTS KELPKIT_CODE_PAGES)
     add_test(NAME package.consumer.${code_page}
