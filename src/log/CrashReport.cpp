@@ -19,6 +19,9 @@ namespace
 
 constexpr wchar_t kDriveRoot[] = L"C:\\";
 
+// Found when dumps are asked for: after the crash it may be too late to load a DLL.
+decltype(&::MiniDumpWriteDump) g_writeDump = nullptr;
+
 struct Names {
     wchar_t folder[MAX_PATH] = {};
     wchar_t program[MAX_PATH] = {};
@@ -96,6 +99,8 @@ LONG WINAPI WriteDump(EXCEPTION_POINTERS* exception)
 {
     // Back to the system's own crash report, which the application may have turned off.
     ::SetErrorMode(0);
+    if (g_writeDump == nullptr)
+        return EXCEPTION_CONTINUE_SEARCH;
     DumpPath path;
     BuildPath(path);
     const HANDLE file = ::CreateFileW(path.Text(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
@@ -106,8 +111,7 @@ LONG WINAPI WriteDump(EXCEPTION_POINTERS* exception)
     information.ThreadId = ::GetCurrentThreadId();
     information.ExceptionPointers = exception;
     information.ClientPointers = TRUE;
-    ::MiniDumpWriteDump(::GetCurrentProcess(), ::GetCurrentProcessId(), file, MiniDumpNormal, &information, nullptr,
-                        nullptr);
+    g_writeDump(::GetCurrentProcess(), ::GetCurrentProcessId(), file, MiniDumpNormal, &information, nullptr, nullptr);
     ::CloseHandle(file);
     return EXCEPTION_CONTINUE_SEARCH;
 }
@@ -116,6 +120,9 @@ LONG WINAPI WriteDump(EXCEPTION_POINTERS* exception)
 
 void StartCrashReport()
 {
+    if (const HMODULE dbghelp = ::LoadLibraryW(L"dbghelp.dll"))
+        g_writeDump = reinterpret_cast<decltype(g_writeDump)>(
+            reinterpret_cast<void*>(::GetProcAddress(dbghelp, "MiniDumpWriteDump")));
     ::SetUnhandledExceptionFilter(&WriteDump);
 }
 

@@ -13,6 +13,7 @@
 
 #include <dbghelp.h>
 
+#include <cstring>
 #include <initializer_list>
 #include <string>
 #include <thread>
@@ -110,6 +111,23 @@ BOOL WINAPI FakeMiniDumpWriteDump(HANDLE process, DWORD processId, HANDLE file, 
     return g_system.written;
 }
 
+// What writes the dumps.
+decltype(&::MiniDumpWriteDump) g_writeDump = nullptr;
+
+BOOL WINAPI CallWriteDump(HANDLE process, DWORD processId, HANDLE file, MINIDUMP_TYPE type,
+                          MINIDUMP_EXCEPTION_INFORMATION* information, MINIDUMP_USER_STREAM_INFORMATION* streams,
+                          MINIDUMP_CALLBACK_INFORMATION* callback)
+{
+    return g_writeDump(process, processId, file, type, information, streams, callback);
+}
+
+FARPROC WINAPI FindCallWriteDump(HMODULE module, const char* name)
+{
+    EXPECT_EQ(module, ::GetModuleHandleW(L"dbghelp.dll"));
+    EXPECT_STREQ(name, "MiniDumpWriteDump");
+    return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&CallWriteDump));
+}
+
 BOOL WINAPI FakeCloseHandle(HANDLE handle)
 {
     EXPECT_EQ(handle, g_system.file);
@@ -136,7 +154,9 @@ public:
     CrashReport()
     {
         g_system = System();
+        g_writeDump = &FakeMiniDumpWriteDump;
         m_before = ::SetUnhandledExceptionFilter(&OtherFilter);
+        const ImportPatch find("GetProcAddress", &FindCallWriteDump);
         KELPKIT::StartCrashReport();
         m_handler = TakeFilter();
     }
@@ -151,7 +171,6 @@ protected:
         const ImportPatch tempPath("GetTempPathW", &FakeGetTempPath);
         const ImportPatch localTime("GetLocalTime", &FakeGetLocalTime);
         const ImportPatch createFile("CreateFileW", &FakeCreateFile);
-        const ImportPatch writeDump("MiniDumpWriteDump", &FakeMiniDumpWriteDump);
         const ImportPatch closeHandle("CloseHandle", &FakeCloseHandle);
         EXPECT_EQ(m_handler(&g_exception), 0);
         return g_system.path;
@@ -203,6 +222,17 @@ TEST_F(CrashReport, WritesNoDumpWhereTheFileCannotBeMade)
     g_system.file = INVALID_HANDLE_VALUE;
     Path();
     EXPECT_EQ(g_system.calls.back(), "CreateFileW");
+}
+
+TEST_F(CrashReport, MakesNoFileWhereTheSystemHasNoDumpWriter)
+{
+    {
+        const ImportPatch find(
+            "GetProcAddress", +[](HMODULE, const char*) -> FARPROC { return nullptr; });
+        KELPKIT::StartCrashReport();
+    }
+    Path();
+    EXPECT_EQ(g_system.calls, std::vector<std::string>{"SetErrorMode"});
 }
 
 TEST_F(CrashReport, ClosesTheFileWhereTheDumpFails)
@@ -333,18 +363,16 @@ TEST_F(CrashReport, LetsASecondThreadWriteTheSameFileMeanwhile)
     const ImportPatch tempPath("GetTempPathW", &FakeGetTempPath);
     const ImportPatch localTime("GetLocalTime", &FakeGetLocalTime);
     // The first dump is half written when the second thread crashes.
-    const ImportPatch writeDump(
-        "MiniDumpWriteDump",
-        +[](HANDLE, DWORD, HANDLE file, MINIDUMP_TYPE, MINIDUMP_EXCEPTION_INFORMATION* information,
-            MINIDUMP_USER_STREAM_INFORMATION*, MINIDUMP_CALLBACK_INFORMATION*) -> BOOL {
-            s_threads.push_back(information->ThreadId);
-            DWORD written = 0;
-            if (s_threads.size() == 2)
-                return ::WriteFile(file, "two", 3, &written, nullptr);
-            EXPECT_TRUE(::WriteFile(file, "first", 5, &written, nullptr)) << test::LastErrorText();
-            std::thread([] { s_handler(&g_exception); }).join();
-            return TRUE;
-        });
+    g_writeDump = [](HANDLE, DWORD, HANDLE file, MINIDUMP_TYPE, MINIDUMP_EXCEPTION_INFORMATION* information,
+                     MINIDUMP_USER_STREAM_INFORMATION*, MINIDUMP_CALLBACK_INFORMATION*) -> BOOL {
+        s_threads.push_back(information->ThreadId);
+        DWORD written = 0;
+        if (s_threads.size() == 2)
+            return ::WriteFile(file, "two", 3, &written, nullptr);
+        EXPECT_TRUE(::WriteFile(file, "first", 5, &written, nullptr)) << test::LastErrorText();
+        std::thread([] { s_handler(&g_exception); }).join();
+        return TRUE;
+    };
     EXPECT_EQ(m_handler(&g_exception), 0);
     ASSERT_EQ(s_threads.size(), 2U);
     EXPECT_EQ(s_threads[0], ::GetCurrentThreadId());
@@ -361,13 +389,11 @@ TEST_F(CrashReport, OverwritesADumpOfTheSameName)
     const ImportPatch moduleFileName("GetModuleFileNameW", &FakeGetModuleFileName);
     const ImportPatch tempPath("GetTempPathW", &FakeGetTempPath);
     const ImportPatch localTime("GetLocalTime", &FakeGetLocalTime);
-    const ImportPatch writeDump(
-        "MiniDumpWriteDump",
-        +[](HANDLE, DWORD, HANDLE file, MINIDUMP_TYPE, MINIDUMP_EXCEPTION_INFORMATION*,
-            MINIDUMP_USER_STREAM_INFORMATION*, MINIDUMP_CALLBACK_INFORMATION*) -> BOOL {
-            DWORD written = 0;
-            return ::WriteFile(file, "new", 3, &written, nullptr);
-        });
+    g_writeDump = [](HANDLE, DWORD, HANDLE file, MINIDUMP_TYPE, MINIDUMP_EXCEPTION_INFORMATION*,
+                     MINIDUMP_USER_STREAM_INFORMATION*, MINIDUMP_CALLBACK_INFORMATION*) -> BOOL {
+        DWORD written = 0;
+        return ::WriteFile(file, "new", 3, &written, nullptr);
+    };
     EXPECT_EQ(m_handler(&g_exception), 0);
     EXPECT_EQ(test::ReadFileBytes(path), "new");
 }
