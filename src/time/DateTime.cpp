@@ -11,10 +11,11 @@ namespace KELPKIT
 namespace
 {
 
-// Set when the library is loaded; the functions only read them.
+// Set when the library is loaded; the functions only read them. They are given in days, since loading must not call the
+// platform's conversions, whose DLL is loaded late.
 const COleDateTime kZeroDate;
-const COleDateTime kEpoch(1970, 1, 1, 8, 0, 0); // the Unix epoch in local time of UTC+8
-const COleDateTime kOverDate(2999, 7, 12, 0, 0, 0);
+const COleDateTime kEpoch(25569 + 8.0 / 24); // 1970-01-01 08:00:00, the Unix epoch in local time of UTC+8
+const COleDateTime kOverDate(401596.0);      // 2999-07-12 00:00:00
 
 // Cut off, as the processor does it: what no 64-bit integer holds becomes the least one.
 std::int64_t Truncated(double value)
