@@ -22,7 +22,7 @@ tidy)
     arguments=()
     for argument in "$@"; do arguments+=("--extra-arg=$argument"); done
     grep -o '"file": "[^"]*"' "$folder/compile_commands.json" | cut -d'"' -f4 | grep "^$root/" |
-        grep -v "^$root/build/" | grep -v '\.rc$' | sort -u |
+        grep -v "^$root/build/" | grep -v '\.\(rc\|s\)$' | sort -u |
         xargs -P "$(nproc)" -n 1 clang-tidy --quiet -p "$folder" "${arguments[@]}"
     ;;
 *)

@@ -36,6 +36,10 @@ class EachLibrary : public testing::TestWithParam<const wchar_t*>
 {
 };
 
+class LateDll : public testing::TestWithParam<const wchar_t*>
+{
+};
+
 class ExitFromThread : public testing::TestWithParam<const wchar_t*>
 {
 };
@@ -144,6 +148,18 @@ TEST_P(EachLibrary, MayBePlacedAnywhereAndExecutesNoData)
 }
 
 INSTANTIATE_TEST_SUITE_P(Library, EachLibrary, testing::Values(L"Kelpkit.dll", L"XMLParser.dll"));
+
+#if defined(__GNUC__)
+// With Visual Studio, MFC brings some of them.
+TEST_P(LateDll, IsLoadedByTheFirstCallThatNeedsIt)
+{
+    EXPECT_EQ(test::Run(L"\"" + test::BesideThisProgram(L"LateDll.exe") + L"\" " + GetParam()), 0U);
+}
+
+INSTANTIATE_TEST_SUITE_P(Library, LateDll,
+                         testing::Values(L"bcrypt.dll", L"dbghelp.dll", L"ole32.dll", L"oleaut32.dll", L"shlwapi.dll",
+                                         L"user32.dll"));
+#endif
 
 TEST_P(ExitFromThread, EndsTheProcess)
 {

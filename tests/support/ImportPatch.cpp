@@ -1,6 +1,11 @@
 #include "support/ImportPatch.h"
 
+#include <windows.h>
+
+#include <delayimp.h>
+
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <stdexcept>
 #include <string>
@@ -16,12 +21,63 @@ Type* At(HMODULE module, std::size_t offset)
     return reinterpret_cast<Type*>(reinterpret_cast<std::byte*>(module) + offset);
 }
 
-const IMAGE_IMPORT_DESCRIPTOR* FirstImportedDll(HMODULE module)
+const IMAGE_NT_HEADERS& Headers(HMODULE module)
 {
     const auto* const dos = At<IMAGE_DOS_HEADER>(module, 0);
-    const auto* const nt = At<IMAGE_NT_HEADERS>(module, static_cast<std::size_t>(dos->e_lfanew));
-    const auto& directory = nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
+    return *At<IMAGE_NT_HEADERS>(module, static_cast<std::size_t>(dos->e_lfanew));
+}
+
+const IMAGE_IMPORT_DESCRIPTOR* FirstImportedDll(HMODULE module)
+{
+    const auto& directory = Headers(module).OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
     return At<IMAGE_IMPORT_DESCRIPTOR>(module, directory.VirtualAddress);
+}
+
+// Where the DLLs begin that are loaded late; null where there are none. GNU ld gives them no directory entry.
+const ImgDelayDescr* FirstDelayedDll(HMODULE module)
+{
+    const IMAGE_NT_HEADERS& headers = Headers(module);
+    const auto& directory = headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_DELAY_IMPORT];
+    if (directory.VirtualAddress != 0)
+        return At<ImgDelayDescr>(module, directory.VirtualAddress);
+    const auto* const sections = reinterpret_cast<const IMAGE_SECTION_HEADER*>(&headers + 1);
+    for (int number = 0; number < headers.FileHeader.NumberOfSections; ++number) {
+        if (std::memcmp(sections[number].Name, ".didat\0", sizeof sections[number].Name) == 0)
+            return At<ImgDelayDescr>(module, sections[number].VirtualAddress);
+    }
+    return nullptr;
+}
+
+// The slot of the function among those of one DLL, given by the tables of its names and slots; null if it is not there.
+void** SlotOf(HMODULE module, const char* name, DWORD nameTable, DWORD slotTable)
+{
+    const auto* names = At<IMAGE_THUNK_DATA>(module, nameTable);
+    auto* slots = At<void*>(module, slotTable);
+    for (; names->u1.AddressOfData != 0; ++names, ++slots) {
+        if (IMAGE_SNAP_BY_ORDINAL(names->u1.Ordinal))
+            continue;
+        const auto* const import = At<IMAGE_IMPORT_BY_NAME>(module, names->u1.AddressOfData);
+        if (std::strcmp(reinterpret_cast<const char*>(import->Name), name) == 0)
+            return slots;
+    }
+    return nullptr;
+}
+
+void Write(void** slot, void* function)
+{
+    DWORD protection = 0;
+    ::VirtualProtect(slot, sizeof *slot, PAGE_READWRITE, &protection);
+    *slot = function;
+    ::VirtualProtect(slot, sizeof *slot, protection, &protection);
+}
+
+// The first call of a function that is loaded late fills its slot, which would end a patch. So it is filled now, unless
+// it was: before, it leads to code of the calling module itself.
+void Resolve(HMODULE module, void** slot, const char* dll, const char* name)
+{
+    const auto offset = reinterpret_cast<std::uintptr_t>(*slot) - reinterpret_cast<std::uintptr_t>(module);
+    if (offset < Headers(module).OptionalHeader.SizeOfImage)
+        Write(slot, reinterpret_cast<void*>(::GetProcAddress(::LoadLibraryA(dll), name)));
 }
 
 } // namespace
@@ -32,14 +88,13 @@ void** ImportPatch::FindSlot(const wchar_t* moduleName, const char* name)
     if (module == nullptr)
         throw std::runtime_error("the module to patch is not loaded");
     for (auto dll = FirstImportedDll(module); dll->Name != 0; ++dll) {
-        const auto* names = At<IMAGE_THUNK_DATA>(module, dll->OriginalFirstThunk);
-        auto* slots = At<void*>(module, dll->FirstThunk);
-        for (; names->u1.AddressOfData != 0; ++names, ++slots) {
-            if (IMAGE_SNAP_BY_ORDINAL(names->u1.Ordinal))
-                continue;
-            const auto* const import = At<IMAGE_IMPORT_BY_NAME>(module, names->u1.AddressOfData);
-            if (std::strcmp(reinterpret_cast<const char*>(import->Name), name) == 0)
-                return slots;
+        if (void** const slot = SlotOf(module, name, dll->OriginalFirstThunk, dll->FirstThunk))
+            return slot;
+    }
+    for (auto dll = FirstDelayedDll(module); dll != nullptr && dll->rvaDLLName != 0; ++dll) {
+        if (void** const slot = SlotOf(module, name, dll->rvaINT, dll->rvaIAT)) {
+            Resolve(module, slot, At<const char>(module, dll->rvaDLLName), name);
+            return slot;
         }
     }
     throw std::runtime_error(std::string("the module does not import ") + name);
@@ -47,10 +102,7 @@ void** ImportPatch::FindSlot(const wchar_t* moduleName, const char* name)
 
 void ImportPatch::Store(void* function)
 {
-    DWORD protection = 0;
-    ::VirtualProtect(m_slot, sizeof *m_slot, PAGE_READWRITE, &protection);
-    *m_slot = function;
-    ::VirtualProtect(m_slot, sizeof *m_slot, protection, &protection);
+    Write(m_slot, function);
 }
 
 } // namespace test

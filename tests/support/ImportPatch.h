@@ -5,8 +5,8 @@
 namespace test
 {
 
-// Replaces a function that a loaded DLL imports by a double, for that DLL only and until the object ends. That is how
-// system answers are had that this machine does not give. Throws std::runtime_error where the DLL is not loaded or does
+// Replaces a function that a loaded DLL imports, at once or late, by a double, for that DLL only and until the object
+// ends. That is how system answers are had that this machine does not give. Throws std::runtime_error where the DLL is not loaded or does
 // not import the function.
 //
 //     const ImportPatch patch("GetVersionExW", +[](OSVERSIONINFOW* version) -> BOOL { ... });

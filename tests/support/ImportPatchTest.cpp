@@ -5,10 +5,15 @@
 #include "support/LastError.h"
 #include "support/TempFolder.h"
 
+#include <Kelpkit/DateTime.h>
 #include <Kelpkit/Files.h>
 #include <Kelpkit/SystemInfo.h>
 
 #include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <oleauto.h>
 
 #include <cwchar>
 #include <stdexcept>
@@ -30,6 +35,17 @@ DWORD WINAPI OtherTempPath(DWORD, wchar_t* buffer)
 {
     std::wcscpy(buffer, L"R:\\");
     return 3;
+}
+
+HRESULT WINAPI FirstOfJuly2000(DATE, ULONG, UDATE* parts)
+{
+    *parts = {{2000, 7, 6, 1, 0, 0, 0, 0}, 183};
+    return S_OK;
+}
+
+HRESULT WINAPI FailingBreakDown(DATE, ULONG, UDATE*)
+{
+    return E_INVALIDARG;
 }
 
 } // namespace
@@ -70,6 +86,26 @@ TEST(ImportPatch, GivesTheOriginalFunction)
     patch.Original<DWORD WINAPI(DWORD, wchar_t*)>()(MAX_PATH, path);
     EXPECT_STRNE(path, L"Q:\\");
     EXPECT_STRNE(path, L"");
+}
+
+TEST(ImportPatch, ReplacesAFunctionThatIsImportedAtItsFirstCall)
+{
+    const auto text = [] { return KELPKIT::OleDateTimeToString(COleDateTime(45356.0)); };
+    {
+        const ImportPatch patch("VarUdateFromDate", &FirstOfJuly2000);
+        EXPECT_EQ(text(), L"2000-07-01");
+        EXPECT_EQ(text(), L"2000-07-01");
+        {
+            const ImportPatch inner("VarUdateFromDate", &FailingBreakDown);
+            EXPECT_EQ(text(), L"Invalid DateTime");
+            EXPECT_EQ(inner.Original<decltype(FirstOfJuly2000)>(), &FirstOfJuly2000);
+        }
+        EXPECT_EQ(text(), L"2000-07-01");
+        UDATE parts = {};
+        EXPECT_EQ(patch.Original<decltype(FirstOfJuly2000)>()(45356, 0, &parts), S_OK);
+        EXPECT_EQ(parts.st.wYear, 2024);
+    }
+    EXPECT_EQ(text(), L"2024-03-05");
 }
 
 TEST(ImportPatch, ThrowsForAFunctionThatIsNotImported)
