@@ -9,7 +9,8 @@ function(kelpkit_finish_dll target description)
   if(MSVC)
     target_link_options(${target} PRIVATE /HIGHENTROPYVA /DYNAMICBASE /NXCOMPAT /DEBUG /OPT:REF /OPT:ICF)
   else()
-    target_link_options(${target} PRIVATE -Wl,--high-entropy-va,--dynamicbase,--nxcompat)
+    # Sections that stand in the file as in memory are mapped; others Wine reads whole.
+    target_link_options(${target} PRIVATE -Wl,--high-entropy-va,--dynamicbase,--nxcompat,--file-alignment=0x1000)
     # Debuggers find the symbols by the link that the DLL keeps.
     add_custom_command(TARGET ${target} POST_BUILD
       COMMAND "${CMAKE_OBJCOPY}" --only-keep-debug $<TARGET_FILE:${target}> $<TARGET_FILE:${target}>.debug
