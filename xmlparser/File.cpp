@@ -72,7 +72,8 @@ bool WriteAll(HANDLE file, std::string_view bytes)
     while (!bytes.empty()) {
         constexpr std::size_t kMost = 1 << 30;
         DWORD written = 0;
-        if (!::WriteFile(file, bytes.data(), static_cast<DWORD>(std::min(bytes.size(), kMost)), &written, nullptr))
+        if (!::WriteFile(file, bytes.data(), static_cast<DWORD>(std::min(bytes.size(), kMost)), &written, nullptr) ||
+            written == 0)
             return false;
         bytes.remove_prefix(written);
     }

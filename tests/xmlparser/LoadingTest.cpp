@@ -1,13 +1,19 @@
 #include <Kelpkit/XMLParser.h>
 
+#include "support/FailingCall.h"
 #include "support/TempFolder.h"
 #include "xmlparser/TreeFile.h"
 
 #include <gtest/gtest.h>
 
+#include <windows.h>
+
+#include <cstddef>
 #include <string>
 
 using test::Edited;
+using test::FailingCall;
+using test::ImportPatch;
 using test::NewTree;
 using test::Saved;
 using test::TextOf;
@@ -94,6 +100,40 @@ TEST(XMLTreeLoad, RefusesWhatIsNoFile)
     EXPECT_FALSE(tree->LoadFile(L""));
     EXPECT_FALSE(tree->LoadFile(L"NUL"));
     EXPECT_FALSE(tree->LoadFile(L"?*"));
+}
+
+TEST(XMLTreeLoad, FailsWhereTheFileCannotBeRead)
+{
+    const TreeFile file("<r/>");
+    for (const std::size_t size : {1U, 100000U}) {
+        file.Write("<r>" + std::string(size, 'x') + "</r>");
+        const FailingCall<decltype(::ReadFile)> failing(L"XMLParser.dll", "ReadFile", FALSE);
+        EXPECT_FALSE(file.Loads());
+    }
+    static int s_reads;
+    s_reads = 0;
+    const ImportPatch patch(
+        L"XMLParser.dll", "ReadFile", +[](HANDLE handle, void* bytes, DWORD size, DWORD* read, OVERLAPPED*) -> BOOL {
+            return ++s_reads == 1 && ::ReadFile(handle, bytes, size, read, nullptr);
+        });
+    EXPECT_FALSE(file.Loads());
+    EXPECT_EQ(s_reads, 2);
+}
+
+TEST(XMLTreeLoad, FailsWhereTheSizeOfALargeFileIsNotToBeHad)
+{
+    const TreeFile file("<r>" + std::string(100000, 'x') + "</r>");
+    const FailingCall<decltype(::GetFileSizeEx)> failing(L"XMLParser.dll", "GetFileSizeEx", FALSE);
+    EXPECT_FALSE(file.Loads());
+}
+
+TEST(XMLTreeLoad, FailsWhereTheTextCannotBeConverted)
+{
+    const TreeFile file("<?xml version=\"1.0\" encoding=\"GBK\"?><r>\xD6\xD0</r>");
+    for (const char* const name : {"MultiByteToWideChar", "WideCharToMultiByte"}) {
+        const FailingCall<int()> failing(L"XMLParser.dll", name, 0);
+        EXPECT_FALSE(file.Loads()) << name;
+    }
 }
 
 TEST(XMLTreeLoad, DoesNotExpandEntities)

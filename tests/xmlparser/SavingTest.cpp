@@ -1,7 +1,9 @@
 #include <Kelpkit/XMLParser.h>
 
+#include "support/FailingCall.h"
 #include "support/FileHolder.h"
 #include "support/FolderTree.h"
+#include "support/HandleCount.h"
 #include "support/ImportPatch.h"
 #include "support/LastError.h"
 #include "support/Threads.h"
@@ -21,6 +23,7 @@
 namespace
 {
 
+using test::FailingCall;
 using test::FileHolder;
 using test::ImportPatch;
 using test::TreeFile;
@@ -33,7 +36,9 @@ void ExpectNoSave(const TreeFile& file)
     const std::string before = file.Bytes();
     const IXMLTreePtr tree = file.Tree();
     EXPECT_TRUE(tree->AddChild(L"new", L"1"));
+    const std::size_t handles = test::HandleCount();
     EXPECT_FALSE(tree->SaveFile(file.Path()));
+    EXPECT_EQ(test::HandleCount(), handles);
     EXPECT_EQ(file.Bytes(), before);
     EXPECT_EQ(test::ListTree(file.Folder().Path()), std::vector<std::wstring>{L"file.xml"});
 }
@@ -186,6 +191,52 @@ TEST(XMLTreeSave, FailsOnAFullDisk)
             return FALSE;
         });
     ExpectNoSave(file);
+}
+
+TEST(XMLTreeSave, FailsWhereWritingGetsNowhere)
+{
+    const TreeFile file("<r/>");
+    const ImportPatch patch(
+        L"XMLParser.dll", "WriteFile", +[](HANDLE, const void*, DWORD, DWORD* written, OVERLAPPED*) -> BOOL {
+            *written = 0;
+            return TRUE;
+        });
+    ExpectNoSave(file);
+}
+
+TEST(XMLTreeSave, FailsWhereTheTextCannotBeConverted)
+{
+    const TreeFile file("<?xml version=\"1.0\" encoding=\"GBK\"?><r>\xD6\xD0</r>");
+    const IXMLTreePtr tree = file.Tree();
+    const std::string before = file.Bytes();
+    for (const char* const name : {"MultiByteToWideChar", "WideCharToMultiByte"}) {
+        const FailingCall<int()> failing(L"XMLParser.dll", name, 0);
+        EXPECT_FALSE(tree->SaveFile(file.Path())) << name;
+    }
+    EXPECT_EQ(file.Bytes(), before);
+    EXPECT_EQ(test::ListTree(file.Folder().Path()), std::vector<std::wstring>{L"file.xml"});
+}
+
+TEST(XMLTreeSave, DoesWithoutTheOldAccessRightsWhereTheyCannotBeRead)
+{
+    const TreeFile file("<r/>");
+    const FailingCall<decltype(::GetFileSecurityW)> failing(L"XMLParser.dll", "GetFileSecurityW", FALSE);
+    EXPECT_TRUE(file.Add(L"a", L"1"));
+    EXPECT_EQ(file.Bytes(), "<r><a>1</a></r>");
+}
+
+TEST(XMLTreeSave, LeavesToTheNextOneWhatItCannotDelete)
+{
+    const TreeFile file("<r/>");
+    const IXMLTreePtr tree = file.Tree();
+    {
+        const FailingCall<decltype(::MoveFileExW)> move(L"XMLParser.dll", "MoveFileExW", FALSE);
+        const FailingCall<decltype(::DeleteFileW)> remove(L"XMLParser.dll", "DeleteFileW", FALSE);
+        EXPECT_FALSE(tree->SaveFile(file.Path()));
+    }
+    EXPECT_TRUE(test::Exists(file.Folder() / L"file.xml.saving"));
+    EXPECT_TRUE(tree->SaveFile(file.Path()));
+    EXPECT_EQ(test::ListTree(file.Folder().Path()), std::vector<std::wstring>{L"file.xml"});
 }
 
 TEST(XMLTreeSave, FailsWhereTheDiskDoesNotTakeTheFile)
