@@ -37,7 +37,8 @@ std::string FirstAddress()
     const hostent* const host = ::gethostbyname(name);
     if (host == nullptr || host->h_addr_list[0] == nullptr)
         return {};
-    return ::inet_ntoa(*reinterpret_cast<const in_addr*>(host->h_addr_list[0]));
+    const char* const address = ::inet_ntoa(*reinterpret_cast<const in_addr*>(host->h_addr_list[0]));
+    return address == nullptr ? "" : address;
 }
 
 } // namespace

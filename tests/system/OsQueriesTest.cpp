@@ -241,6 +241,17 @@ TEST(GetHostIP, IsEmptyForAHostWithoutAddresses)
     EXPECT_EQ(KELPKIT::GetHostIP(), L"");
 }
 
+TEST(GetHostIP, IsEmptyWhereTheAddressHasNoText)
+{
+    const WinsockCounter counter;
+    const ImportPatch resolver(
+        "gethostbyname", +[](const char*) { return &g_host; });
+    const ImportPatch text(
+        "inet_ntoa", +[](in_addr) -> char* { return nullptr; });
+    EXPECT_EQ(KELPKIT::GetHostIP(), L"");
+    EXPECT_EQ(WinsockCounter::Ended(), 1);
+}
+
 TEST(GetHostIP, IsEmptyWhereTheHostHasNoName)
 {
     const WinsockCounter counter;
