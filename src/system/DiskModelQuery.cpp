@@ -18,7 +18,8 @@ ComReference<IWbemServices> Connect()
 
     const Bstr path(::SysAllocString(L"ROOT\\CIMV2"));
     IWbemServices* services = nullptr;
-    if (FAILED(locator->ConnectServer(path.get(), nullptr, nullptr, nullptr, 0, nullptr, nullptr, &services)))
+    if (path == nullptr ||
+        FAILED(locator->ConnectServer(path.get(), nullptr, nullptr, nullptr, 0, nullptr, nullptr, &services)))
         return nullptr;
     ComReference<IWbemServices> connection(services);
     if (FAILED(::CoSetProxyBlanket(services, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr, RPC_C_AUTHN_LEVEL_CALL,
@@ -32,7 +33,8 @@ ComReference<IEnumWbemClassObject> Disks(IWbemServices& services)
     const Bstr language(::SysAllocString(L"WQL"));
     const Bstr query(::SysAllocString(L"SELECT * FROM Win32_DiskDrive"));
     IEnumWbemClassObject* disks = nullptr;
-    if (FAILED(services.ExecQuery(language.get(), query.get(), WBEM_FLAG_FORWARD_ONLY | WBEM_FLAG_RETURN_IMMEDIATELY,
+    if (language == nullptr || query == nullptr ||
+        FAILED(services.ExecQuery(language.get(), query.get(), WBEM_FLAG_FORWARD_ONLY | WBEM_FLAG_RETURN_IMMEDIATELY,
                                   nullptr, &disks)))
         return nullptr;
     return ComReference<IEnumWbemClassObject>(disks);

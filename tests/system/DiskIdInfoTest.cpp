@@ -515,6 +515,16 @@ TEST(StorageQuery, KeepsTheNamesWhereWmiFailsAtAnyStep)
     }
 }
 
+TEST(StorageQuery, KeepsTheNamesWhereWmiGetsNoText)
+{
+    InOwnProcess([] {
+        const test::ImportPatch patch(
+            "SysAllocString", +[](const OLECHAR*) -> BSTR { return nullptr; });
+        const FakeDrives drives({QueryDrive(nullptr, "x", "S1")});
+        EXPECT_EQ(GetHDDId(), L"x-S1");
+    });
+}
+
 TEST(StorageQuery, EndsComAtOnceWhereItsSecurityIsSetAlready)
 {
     InOwnProcess([] {
