@@ -246,6 +246,20 @@ TEST_F(ChildExeStart, WaitThatFailsEndsTheStart)
     EXPECT_TRUE(Pauses::All().empty());
 }
 
+TEST_F(ChildExeStart, SearchThatFailsFindsNothing)
+{
+    const Pauses pauses;
+    {
+        const ImportPatch patch(
+            "EnumWindows", +[](WNDENUMPROC, LPARAM) -> BOOL { return FALSE; });
+        CreateInVain({IDNO});
+    }
+    // Of a window that is just going.
+    const ImportPatch patch(
+        "GetWindowThreadProcessId", +[](HWND, DWORD*) -> DWORD { return 0; });
+    CreateInVain({IDNO});
+}
+
 TEST_F(ChildExeStart, LaunchersAreNotFollowed)
 {
     const Event go(EventName());

@@ -1,4 +1,5 @@
 #include "childexe/Doubles.h"
+#include "support/FailingCall.h"
 #include "support/HandleCount.h"
 #include "support/LastError.h"
 
@@ -294,6 +295,20 @@ TEST_F(ChildExeTest, CloseAfterAddAsksTheWindowToClose)
     EXPECT_EQ(Posts::All(), (std::vector<Posts::Post>{{window, WM_CLOSE, 0, 0}}));
     EXPECT_TRUE(WaitUntilGone(window));
     EXPECT_TRUE(StartedPrograms::HasEnded(StartedPrograms::Last()));
+}
+
+TEST_F(ChildExeTest, CloseIsTrueAlsoWhereTheMessageCannotBePosted)
+{
+    ChildExe child;
+    ASSERT_TRUE(Host(child));
+    const HWND window = LastWindow();
+    {
+        const test::FailingCall<decltype(::PostMessageW)> failing("PostMessageW", FALSE);
+        child.UpdateSubWindow();
+        EXPECT_TRUE(child.CloseSubWindow());
+    }
+    EXPECT_TRUE(::IsWindow(window));
+    EXPECT_FALSE(child.CloseSubWindow());
 }
 
 TEST_F(ChildExeTest, CloseForgetsWindowAndHost)

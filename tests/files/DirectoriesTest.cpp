@@ -1,3 +1,4 @@
+#include "support/FailingCall.h"
 #include "support/FileCallRecorder.h"
 #include "support/FileContents.h"
 #include "support/FileHolder.h"
@@ -17,6 +18,7 @@
 
 using namespace KELPKIT;
 using test::Exists;
+using test::FailingCall;
 using test::FileCallRecorder;
 using test::FileHolder;
 using test::TempFolder;
@@ -265,6 +267,29 @@ TEST(DeleteDirectory, LeavesWhatIsHeldOpenAndDeletesTheRest)
         EXPECT_FALSE(Exists(top + L"\\c"));
     }
     EXPECT_TRUE(DeleteDirectory(top)) << test::LastErrorText();
+}
+
+TEST(DeleteDirectory, ReturnsFalseWhereTheSearchBreaksOff)
+{
+    const TempFolder folder;
+    MakeDirectory(folder / L"top");
+    WriteFileBytes(folder / L"top\\file", "x");
+    {
+        const FailingCall<decltype(::FindNextFileW)> failing("FindNextFileW", FALSE);
+        EXPECT_FALSE(DeleteDirectory(folder / L"top"));
+    }
+    EXPECT_TRUE(Exists(folder / L"top\\file"));
+    EXPECT_TRUE(DeleteDirectory(folder / L"top")) << test::LastErrorText();
+}
+
+TEST(DeleteDirectory, DeletesAlsoWhereAttributesCannotBeSet)
+{
+    const TempFolder folder;
+    MakeDirectory(folder / L"top\\sub");
+    WriteFileBytes(folder / L"top\\sub\\file", "x");
+    const FailingCall<decltype(::SetFileAttributesW)> failing("SetFileAttributesW", FALSE);
+    EXPECT_TRUE(DeleteDirectory(folder / L"top")) << test::LastErrorText();
+    EXPECT_FALSE(Exists(folder / L"top"));
 }
 
 TEST(DeleteDirectory, DeletesAFileThatIsHeldOpenWithDeleteSharing)

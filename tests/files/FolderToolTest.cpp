@@ -1,3 +1,4 @@
+#include "support/FailingCall.h"
 #include "support/FileCallRecorder.h"
 #include "support/FileContents.h"
 #include "support/FileHolder.h"
@@ -19,6 +20,7 @@
 
 using namespace KELPKIT;
 using test::Exists;
+using test::FailingCall;
 using test::FileCallRecorder;
 using test::FileHolder;
 using test::ListTree;
@@ -293,6 +295,30 @@ TEST(CopyFolder, CopiesEverythingElseWhereAFileIsHeldOpen)
     const FileHolder holder(folder / L"src\\a\\held", GENERIC_READ, 0);
     EXPECT_TRUE(CFileFolderManageTool().CopyFolder(folder / L"src", folder / L"dst"));
     EXPECT_EQ(ListTree(folder / L"dst"), (Entries{L"a\\", L"a\\1", L"a\\x\\", L"a\\x\\2", L"b\\", L"b\\3"}));
+}
+
+TEST(CopyFolder, IsTrueWhereNoFileCanBeCopied)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"src", {L"a\\", L"a\\1", L"b\\", L"2"});
+    const FailingCall<decltype(::CopyFileW)> failing("CopyFileW", FALSE);
+    EXPECT_TRUE(CFileFolderManageTool().CopyFolder(folder / L"src", folder / L"dst"));
+    EXPECT_EQ(ListTree(folder / L"dst"), (Entries{L"a\\", L"b\\"}));
+}
+
+TEST(CopyFolder, CopiesAlsoWhereFoldersCannotBeIdentified)
+{
+    const TempFolder folder;
+    const Entries entries = {L"a\\", L"a\\1", L"b\\", L"b\\2"};
+    MakeTree(folder / L"src", entries);
+    {
+        const FailingCall<decltype(::CreateFileW)> failing("CreateFileW", -1);
+        EXPECT_TRUE(CFileFolderManageTool().CopyFolder(folder / L"src", folder / L"dst"));
+        EXPECT_EQ(ListTree(folder / L"dst"), entries);
+    }
+    const FailingCall<decltype(::GetFileInformationByHandle)> failing("GetFileInformationByHandle", FALSE);
+    EXPECT_TRUE(CFileFolderManageTool().CopyFolder(folder / L"src", folder / L"dst"));
+    EXPECT_EQ(ListTree(folder / L"dst"), entries);
 }
 
 TEST(CopyFolder, CopiesReadOnlyHiddenEmptyAndLargeFiles)

@@ -1,3 +1,4 @@
+#include "support/FailingCall.h"
 #include "support/FileContents.h"
 #include "support/ImportPatch.h"
 #include "support/LastError.h"
@@ -203,6 +204,7 @@ TEST_F(ModelUpgrade, FailsToStartAlsoWhereStaleOutputsAreThere)
 {
     WriteFileBytes(HostFolder() + L"Pelvane.exe", "no program");
     WriteFileBytes(ModelFolder() + L"gear_new.qmx", "QMX 2\n");
+    const test::FailingCall<decltype(::CreateProcessW)> failing("CreateProcessW", FALSE);
     EXPECT_FALSE(Upgrade(Model(), L"full", L"gear"));
     EXPECT_EQ(error, L"升级进程启动失败!");
     EXPECT_EQ(qmx, L"");
@@ -250,6 +252,19 @@ TEST_F(ModelUpgrade, WaitsWithoutLimit)
     InstallConverter(L"Pelvane.exe");
     EXPECT_TRUE(Upgrade(Model(), L"full", L"gear"));
     EXPECT_EQ(limits, std::vector<DWORD>{INFINITE});
+}
+
+TEST_F(ModelUpgrade, LooksForTheOutputsAlsoWhereTheWaitFails)
+{
+    const ImportPatch patch(
+        "WaitForSingleObject", +[](HANDLE handle, DWORD milliseconds) -> DWORD {
+            ::WaitForSingleObject(handle, milliseconds);
+            return WAIT_FAILED;
+        });
+    InstallConverter(L"Pelvane.exe");
+    EXPECT_TRUE(Upgrade(Model(), L"full", L"gear"));
+    EXPECT_EQ(qmx, ModelFolder() + L"gear_new.qmx");
+    EXPECT_EQ(error, L"");
 }
 
 TEST_F(ModelUpgrade, StartsTheConverterHiddenInTheCurrentFolder)

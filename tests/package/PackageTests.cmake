@@ -84,6 +84,14 @@ if(MINGW)
     )
   endforeach()
   add_dependencies(update-exports Kelpkit XMLParser)
+  foreach(dll Kelpkit XMLParser)
+    add_test(NAME package.calls.${dll}
+      COMMAND "${CMAKE_COMMAND}" "-DDLL=$<TARGET_FILE:${dll}>" "-DTESTS=${CMAKE_CURRENT_SOURCE_DIR}"
+        "-DLIST=${CMAKE_CURRENT_SOURCE_DIR}/package/${dll}.calls.txt"
+        "-DDELAYED=$<TARGET_PROPERTY:${dll},SOURCE_DIR>/DelayedImports.s" "-DOBJDUMP=${CMAKE_OBJDUMP}"
+        -P "${CMAKE_CURRENT_SOURCE_DIR}/package/CheckCalls.cmake"
+    )
+  endforeach()
   add_test(NAME package.imports
     COMMAND "${CMAKE_COMMAND}" "-DBIN=${stage}/bin" "-DOBJDUMP=${CMAKE_OBJDUMP}"
       -P "${CMAKE_CURRENT_SOURCE_DIR}/package/CheckImports.cmake"

@@ -1,5 +1,8 @@
 #include <Kelpkit/SystemInfo.h>
 
+#include "support/FailingCall.h"
+#include "support/OwnProcess.h"
+
 #include <gtest/gtest.h>
 
 #include <intrin.h>
@@ -33,6 +36,18 @@ TEST(GetCPUId, HasFourPartsTheLastOfSixteenDigits)
     EXPECT_TRUE(std::regex_match(GetCPUId(), std::wregex(L"[^-]{1,12}-[0-9A-F]{8}-[0-9A-F]{8}-[0-9A-F]{16}")))
         << testing::PrintToString(GetCPUId());
 }
+
+#if defined(__GNUC__)
+TEST(GetCPUId, IsReadAlsoWhereFaultsCannotBeTaken)
+{
+    test::InOwnProcess([] {
+        const test::FailingCall<decltype(::AddVectoredExceptionHandler)> handler("AddVectoredExceptionHandler", 0);
+        const test::FailingCall<decltype(::RemoveVectoredExceptionHandler)> end("RemoveVectoredExceptionHandler", 0);
+        const test::FailingCall<decltype(::TlsSetValue)> slot("TlsSetValue", FALSE);
+        EXPECT_EQ(GetCPUId().size(), std::wstring(L"GenuineIntel-000306C3-BFEBFBFF-0000000000000000").size());
+    });
+}
+#endif
 
 TEST(GetCPUId, IsTheSameInEveryCall)
 {

@@ -1,3 +1,4 @@
+#include "support/FailingCall.h"
 #include "support/ImportPatch.h"
 #include "support/Threads.h"
 
@@ -93,9 +94,16 @@ TEST(GenerateUUID, SeedsAGeneratorInEachCall)
 
 TEST(GenerateUUID, ThrowsWhereTheSystemHasNoRandomNumbers)
 {
-    const ImportPatch patch(
-        "BCryptGenRandom",
-        +[](BCRYPT_ALG_HANDLE, PUCHAR, ULONG, ULONG) -> NTSTATUS { return static_cast<NTSTATUS>(0xC0000001); });
+    constexpr NTSTATUS kUnsuccessful = static_cast<NTSTATUS>(0xC0000001);
+    // The first exception of all opens what the runtime needs.
+    EXPECT_THROW(throw std::runtime_error("first"), std::runtime_error);
+    GenerateUUID();
+    {
+        const test::FailingCall<decltype(::BCryptGenRandom)> failing("BCryptGenRandom", kUnsuccessful);
+        EXPECT_THROW(GenerateUUID(), std::runtime_error);
+    }
+    const test::FailingCall<decltype(::BCryptOpenAlgorithmProvider)> failing("BCryptOpenAlgorithmProvider",
+                                                                             kUnsuccessful);
     EXPECT_THROW(GenerateUUID(), std::runtime_error);
 }
 

@@ -1,4 +1,5 @@
 #include "support/CodePage.h"
+#include "support/FailingCall.h"
 #include "support/ImportPatch.h"
 #include "support/Random.h"
 #include "support/Threads.h"
@@ -313,6 +314,20 @@ TEST(Encoding, LongTextsAreConvertedWhole)
     const std::string ansi = UnicodeToAnsi(text);
     EXPECT_TRUE(ansi == SystemNarrow(CP_ACP, text));
     EXPECT_TRUE(AnsiToUnicode(ansi) == SystemWide(CP_ACP, ansi));
+}
+
+TEST(Encoding, TextThatTheSystemRefusesGivesAnEmptyResult)
+{
+    for (const std::size_t length : {1U, 5000U}) {
+        {
+            const test::FailingCall<decltype(::MultiByteToWideChar)> failing("MultiByteToWideChar", 0);
+            EXPECT_EQ(AnsiToUnicode(std::string(length, '\xD6')), L"");
+            EXPECT_EQ(UTF8ToUnicode(std::string(length, '\xD6')), L"");
+        }
+        const test::FailingCall<decltype(::WideCharToMultiByte)> failing("WideCharToMultiByte", 0);
+        EXPECT_EQ(UnicodeToAnsi(std::wstring(length, L'中')), "");
+        EXPECT_EQ(UnicodeToUTF8(std::wstring(length, L'\xD800')), "");
+    }
 }
 
 TEST(Encoding, ManyThreadsConvertAtOnce)
