@@ -3,8 +3,6 @@
 #include "support/FileContents.h"
 #include "support/FileHolder.h"
 #include "support/FolderTree.h"
-#include "support/Process.h"
-#include "support/Random.h"
 #include "support/TempFolder.h"
 #include "support/Threads.h"
 
@@ -240,26 +238,4 @@ TEST_F(XmlConfig, IsCopiedWithItsPath)
     other = copy;
     EXPECT_EQ(copy.GetXmlString(L"a"), L"1");
     EXPECT_EQ(other.GetXmlString(L"a"), L"1");
-}
-
-TEST_F(XmlConfig, HoldsTheOldOrTheNewStateWhenItsWriterIsKilled)
-{
-    Write("<c><n>0</n><text/></c>");
-    test::Random random(5);
-    const std::wstring command = L'"' + test::BesideThisProgram(L"ConfigWriter.exe") + L"\" \"" + m_path + L'"';
-    for (int round = 0; round < 10; ++round) {
-        const int before = m_config.GetXmlInt(L"n");
-        {
-            const test::StartedProgram writer(command);
-            for (int wait = 0; wait < 10000 && m_config.GetXmlInt(L"n") == before; ++wait)
-                ::Sleep(1);
-            ::Sleep(random.Below(20));
-        }
-        const int now = m_config.GetXmlInt(L"n");
-        EXPECT_GT(now, before);
-        EXPECT_EQ(m_config.GetXmlString(L"text").size(), 100000U);
-        EXPECT_LE(test::ListTree(m_folder.Path()).size(), 2U) << "no more than one temporary file";
-    }
-    EXPECT_TRUE(m_config.WriteXmlInt(1, L"n"));
-    EXPECT_EQ(test::ListTree(m_folder.Path()).size(), 1U);
 }
