@@ -2,7 +2,6 @@
 
 #include "WindowsApi.h"
 
-#include <cstddef>
 #include <fstream>
 
 namespace KELPKIT
@@ -30,19 +29,6 @@ bool CheckFolderExis(const std::wstring& path)
     const bool isFolder = find != INVALID_HANDLE_VALUE && (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     ::FindClose(find);
     return isFolder;
-}
-
-std::wstring GetFileDir(const std::wstring& path)
-{
-    const std::size_t backslash = path.rfind(L'\\');
-    return backslash == std::wstring::npos ? path : path.substr(0, backslash + 1);
-}
-
-std::wstring GetFileExtion(const std::wstring& path)
-{
-    // The dot is looked for in the whole path, not in its last component.
-    const std::size_t dot = path.rfind(L'.');
-    return dot == std::wstring::npos ? std::wstring() : path.substr(dot + 1);
 }
 
 int GetFileSize(const std::wstring& path)

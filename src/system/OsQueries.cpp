@@ -1,31 +1,14 @@
 #include "Kelpkit/SystemInfo.h"
 
 #include "system/HardwareInfo.h"
+#include "system/ParentReferences.h"
 
 #include "WindowsApi.h"
-
-#include <cstddef>
 
 namespace KELPKIT
 {
 namespace
 {
-
-// Folds each "\.." of a path together with the folder name before it, as far as there is one.
-std::wstring CollapseParentReferences(std::wstring path)
-{
-    while (true) {
-        const std::size_t reference = path.find(L"\\..");
-        // By contract the search for the name's backslash starts three characters before the reference: behind a
-        // name of one character it passes over that backslash, and two names go or none.
-        if (reference == std::wstring::npos || reference < 3)
-            return path;
-        const std::size_t backslash = path.rfind(L'\\', reference - 3);
-        if (backslash == std::wstring::npos)
-            return path;
-        path.erase(backslash, reference + 3 - backslash);
-    }
-}
 
 OSVERSIONINFOW ReportedVersion()
 {

@@ -1,13 +1,11 @@
 #include "text/Md5.h"
 
-#include "Kelpkit/Files.h"
 #include "Kelpkit/Text.h"
 
 #include <algorithm>
 #include <cstring>
 #include <fstream>
 #include <utility>
-#include <vector>
 
 namespace KELPKIT
 {
@@ -15,9 +13,6 @@ namespace
 {
 
 constexpr std::size_t kChunkSize = 1024;
-
-// Beneath the stream, so that its chunks cost no system call.
-constexpr std::size_t kFileBufferSize = 65536;
 
 // The whole part of 2^32 * |sin(i + 1)|.
 constexpr std::uint32_t kSines[64] = {
@@ -156,24 +151,6 @@ bool BuildMd5Code(const std::wstring& input, std::wstring& output)
     BuildMd5Code(UnicodeToAnsi(input), digits);
     output = AnsiToUnicode(digits);
     return true;
-}
-
-std::wstring GetFileMD5(const std::wstring& path)
-{
-    std::wstring reason;
-    if (!CheckFileValid(path, reason))
-        return {};
-    // By contract a file that can no longer be opened gives the digest of nothing.
-    std::vector<char> buffer(kFileBufferSize);
-    std::ifstream file;
-    // libstdc++ takes a buffer before the file is opened, Visual Studio's library after.
-    file.rdbuf()->pubsetbuf(buffer.data(), kFileBufferSize);
-    file.open(path.c_str(), std::ios::in | std::ios::binary);
-    file.rdbuf()->pubsetbuf(buffer.data(), kFileBufferSize);
-    Md5 digest;
-    digest.Update(file);
-    const std::array<char, 32> digits = digest.Digits();
-    return {digits.begin(), digits.end()};
 }
 
 } // namespace KELPKIT
