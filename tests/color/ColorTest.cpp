@@ -1,20 +1,19 @@
+#include "color/ColorModel.h"
 #include "support/Random.h"
 
 #include <Kelpkit/Color.h>
-#include <Kelpkit/Text.h>
 
 #include <gtest/gtest.h>
 
 #include <windows.h>
 
 #include <clocale>
-#include <cwctype>
 #include <string>
 #include <type_traits>
-#include <utility>
-#include <vector>
 
 using namespace KELPKIT;
+using test::ModelHexColorToREF;
+using test::ModelRGBColorToREF;
 
 namespace
 {
@@ -22,44 +21,6 @@ namespace
 static_assert(std::is_same_v<COLORREF, unsigned long>, "the interface says so");
 
 constexpr COLORREF kWhite = 0xFFFFFF;
-
-// The rule by which numbers are read, in words: white space, a sign, digits; saturated.
-int ModelInteger(const std::wstring& piece)
-{
-    std::size_t i = 0;
-    while (i < piece.size() && std::iswspace(piece[i]))
-        ++i;
-    bool negative = false;
-    if (i < piece.size() && (piece[i] == L'-' || piece[i] == L'+'))
-        negative = piece[i++] == L'-';
-    long long value = 0;
-    for (; i < piece.size() && piece[i] >= L'0' && piece[i] <= L'9'; ++i)
-        value = std::min(value * 10 + (piece[i] - L'0'), 3000000000LL);
-    value = negative ? -value : value;
-    return static_cast<int>(std::min(std::max(value, -2147483648LL), 2147483647LL));
-}
-
-COLORREF ModelRGBColorToREF(const std::wstring& text)
-{
-    std::vector<std::wstring> pieces;
-    StringMulitSplit(text, L",", pieces);
-    if (pieces.size() != 3)
-        return kWhite;
-    return RGB(ModelInteger(pieces[0]) & 0xFF, ModelInteger(pieces[1]) & 0xFF, ModelInteger(pieces[2]) & 0xFF);
-}
-
-COLORREF ModelHexColorToREF(std::wstring text)
-{
-    text = text.substr(text.find(L'#') + 1);
-    unsigned value = 0;
-    for (const wchar_t c : text) {
-        const std::size_t digit = std::wstring(L"0123456789abcdefABCDEF").find(c);
-        if (digit == std::wstring::npos)
-            return kWhite;
-        value = value * 16 + static_cast<unsigned>(digit < 16 ? digit : digit - 6);
-    }
-    return RGB(value >> 16 & 0xFF, value >> 8 & 0xFF, value & 0xFF);
-}
 
 std::wstring RandomText(test::Random& random, const std::wstring& characters, unsigned maxLength)
 {

@@ -1,6 +1,7 @@
 #include "support/GuardedBuffer.h"
 #include "support/Random.h"
 #include "support/Threads.h"
+#include "text/Base64Model.h"
 
 #include <Kelpkit/Text.h>
 
@@ -16,65 +17,12 @@
 
 using namespace KELPKIT;
 using test::GuardedBuffer;
+using test::kBase64Alphabet;
+using test::ModelDecode;
+using test::ModelEncode;
 
 namespace
 {
-
-const std::string kAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-
-// The codec bit by bit, to compare with.
-std::string ModelEncode(const std::string& data)
-{
-    std::string text;
-    unsigned bits = 0;
-    int count = 0;
-    for (const char c : data) {
-        bits = bits << 8 | static_cast<unsigned char>(c);
-        count += 8;
-        while (count > 5) {
-            text += kAlphabet[bits >> (count - 6) & 63];
-            count -= 6;
-        }
-    }
-    if (count > 0)
-        text += kAlphabet[bits << (6 - count) & 63];
-    while (text.size() % 4 != 0)
-        text += '=';
-    return text;
-}
-
-unsigned ModelValue(char c)
-{
-    const std::size_t place = kAlphabet.find(c);
-    return place == std::string::npos ? 0 : static_cast<unsigned>(place);
-}
-
-std::string ModelDecode(const std::string& text)
-{
-    const std::string padded = text + std::string(4, '\0');
-    std::string data;
-    std::size_t position = 0;
-    std::size_t i = 0;
-    while (i < text.size()) {
-        const char c = padded[position];
-        if (c == 13 || c == 10 || c == 1 || c == 2) {
-            ++position;
-            ++i;
-            continue;
-        }
-        const unsigned c0 = ModelValue(padded[position++]);
-        const unsigned c1 = ModelValue(padded[position++]);
-        data += static_cast<char>((c0 * 64 + c1) / 16);
-        if (padded[position] != '=') {
-            const unsigned c2 = ModelValue(padded[position++]);
-            data += static_cast<char>((c1 * 64 + c2) / 4);
-            if (padded[position] != '=')
-                data += static_cast<char>(c2 * 64 + ModelValue(padded[position++]));
-        }
-        i += 4;
-    }
-    return data;
-}
 
 // What Decode writes, its zero byte not included; what it must not touch is looked at, too.
 std::string Decoded(const std::string& text, std::size_t room)
@@ -121,7 +69,7 @@ public:
         const unsigned share = 1 + Below(20);
         std::string text(length, '\0');
         for (char& c : text)
-            c = Below(share) == 0 ? others[Below(17)] : kAlphabet[Below(64)];
+            c = Below(share) == 0 ? others[Below(17)] : kBase64Alphabet[Below(64)];
         return text;
     }
 

@@ -1,4 +1,5 @@
 #include "support/CodePage.h"
+#include "text/StringsModel.h"
 
 #include <Kelpkit/Text.h>
 
@@ -11,6 +12,8 @@
 #include <vector>
 
 using namespace KELPKIT;
+using test::SlowlyReplaced;
+using test::SlowlySplitBySize;
 using test::UnderCodePage1252;
 using test::UnderCodePage936;
 
@@ -29,15 +32,6 @@ template <class Text>
 Text Replaced(Text text, const Text& pattern, const Text& replacement)
 {
     StringReplace(text, pattern, replacement);
-    return text;
-}
-
-// Replacement one hit at a time.
-template <class Text>
-Text SlowlyReplaced(Text text, const Text& pattern, const Text& replacement)
-{
-    for (std::size_t at = 0; !pattern.empty() && (at = text.find(pattern, at)) != Text::npos; at += replacement.size())
-        text.replace(at, pattern.size(), replacement);
     return text;
 }
 
@@ -69,41 +63,6 @@ Pieces SplitBySize(const std::wstring& source, int width)
 {
     Pieces pieces;
     StringSplitBySize(source, width, pieces);
-    return pieces;
-}
-
-// The rule of StringSplitBySize, byte by byte.
-Pieces SlowlySplitBySize(const std::wstring& source, int width)
-{
-    const std::string bytes = UnicodeToAnsi(source);
-    Pieces pieces;
-    std::string piece;
-    int units = 0;
-    int halves = 0;
-    std::size_t i = 0;
-    while (i < bytes.size()) {
-        if ((bytes[i] & 0x80) != 0) {
-            piece += bytes.substr(i, 2);
-            i += 2;
-            units += 1;
-        } else {
-            piece += bytes[i];
-            i += 1;
-            halves += 1;
-            if (halves == 2) {
-                halves = 0;
-                units += 1;
-            }
-        }
-        if (units >= width) {
-            pieces.push_back(AnsiToUnicode(piece));
-            piece.clear();
-            units = 0;
-            halves = 0;
-        }
-    }
-    if (!piece.empty() && piece != "\n\r")
-        pieces.push_back(AnsiToUnicode(piece));
     return pieces;
 }
 

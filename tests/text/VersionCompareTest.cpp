@@ -1,5 +1,6 @@
 #include "support/CodePage.h"
 #include "support/Random.h"
+#include "text/VersionModel.h"
 
 #include <Kelpkit/Text.h>
 
@@ -8,10 +9,9 @@
 #include <cmath>
 #include <limits>
 #include <string>
-#include <utility>
-#include <vector>
 
 using namespace KELPKIT;
+using test::ModelVersionOrder;
 using test::UnderCodePage936;
 
 namespace
@@ -27,43 +27,6 @@ void ExpectBothWays(const Case& expected)
 {
     EXPECT_EQ(ALargeB(expected.a, expected.b), expected.result) << testing::PrintToString(std::wstring(expected.a));
     EXPECT_EQ(ALargeB(expected.b, expected.a), -expected.result) << testing::PrintToString(std::wstring(expected.b));
-}
-
-// The comparison on lists of runs, to compare with.
-std::vector<std::pair<bool, std::string>> Runs(const std::string& text)
-{
-    std::vector<std::pair<bool, std::string>> runs;
-    for (const char c : text) {
-        const bool digit = std::string("0123456789").find(c) != std::string::npos;
-        if (runs.empty() || runs.back().first != digit)
-            runs.emplace_back(digit, "");
-        runs.back().second += c;
-    }
-    return runs;
-}
-
-long double Saturated(const std::string& digits)
-{
-    return std::min(std::stold(digits), 2147483647.0L);
-}
-
-int Model(const std::wstring& a, const std::wstring& b)
-{
-    const auto runsA = Runs(UnicodeToAnsi(a));
-    const auto runsB = Runs(UnicodeToAnsi(b));
-    for (std::size_t i = 0; i < runsA.size() && i < runsB.size(); ++i) {
-        const auto& [digitsA, textA] = runsA[i];
-        const auto& [digitsB, textB] = runsB[i];
-        if (digitsA && digitsB) {
-            if (Saturated(textA) != Saturated(textB))
-                return Saturated(textA) < Saturated(textB) ? -1 : 1;
-        } else if (textA != textB) {
-            const std::basic_string<unsigned char> bytesA(textA.begin(), textA.end());
-            const std::basic_string<unsigned char> bytesB(textB.begin(), textB.end());
-            return bytesA < bytesB ? -1 : 1;
-        }
-    }
-    return runsA.size() == runsB.size() ? 0 : runsA.size() < runsB.size() ? -1 : 1;
 }
 
 class RandomVersions : public test::Random
@@ -158,7 +121,7 @@ TEST(ALargeB, RandomTextsAreComparedAsTheModelDoes)
     for (int round = 0; round < 100000; ++round) {
         const std::wstring a = versions.Next();
         const std::wstring b = versions.Next();
-        ASSERT_EQ(ALargeB(a, b), Model(a, b)) << testing::PrintToString(a) << testing::PrintToString(b);
+        ASSERT_EQ(ALargeB(a, b), ModelVersionOrder(a, b)) << testing::PrintToString(a) << testing::PrintToString(b);
     }
 }
 
