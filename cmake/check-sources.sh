@@ -11,7 +11,7 @@ set -euo pipefail
 root=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd)
 cd "$root"
 # Those of this project, in the working tree as they are.
-sources() { find bench examples include mfc src tests xmlparser -name '*.h' -o -name '*.cpp' | sort; }
+sources() { find bench examples fuzz include mfc src tests xmlparser -name '*.h' -o -name '*.cpp' | sort; }
 
 case $1 in
 format) sources | xargs clang-format -i ;;
