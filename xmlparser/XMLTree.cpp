@@ -8,7 +8,6 @@
 #include "WindowsApi.h"
 
 #include <algorithm>
-#include <cstring>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -42,14 +41,12 @@ std::vector<std::string_view> Names(std::string_view path)
     return names;
 }
 
-CString Text(pugi::xml_node node)
+CString Text(std::string_view raw, bool isCData)
 {
-    const char* const raw = node.value();
-    const int size = static_cast<int>(std::strlen(raw));
+    const int size = static_cast<int>(raw.size());
     CString text;
     wchar_t* const units = text.GetBuffer(size);
-    const int length = size == 0 ? 0 : ::MultiByteToWideChar(CP_UTF8, 0, raw, size, units, size);
-    const bool isCData = node.type() == pugi::node_cdata;
+    const int length = size == 0 ? 0 : ::MultiByteToWideChar(CP_UTF8, 0, raw.data(), size, units, size);
     text.ReleaseBuffer(static_cast<int>(Unescape(units, static_cast<std::size_t>(length), isCData)));
     return text;
 }
@@ -191,9 +188,18 @@ void XMLTree::GetChildCount(int& count)
 bool XMLTree::GetText(CString& text)
 {
     text.Empty();
+    std::string raw;
     for (const pugi::xml_node child : m_current) {
-        if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata)
-            text += Text(child);
+        if (child.type() == pugi::node_cdata)
+            text += Text(child.value(), true);
+        if (child.type() != pugi::node_pcdata)
+            continue;
+        // Texts are side by side where an element between them was removed. The file will hold them as one.
+        raw += child.value();
+        if (child.next_sibling().type() == pugi::node_pcdata)
+            continue;
+        text += Text(raw, false);
+        raw.clear();
     }
     return IsElement(m_current);
 }

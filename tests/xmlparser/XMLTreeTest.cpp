@@ -9,6 +9,7 @@
 #include <climits>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace
@@ -262,6 +263,24 @@ TEST(XMLTree, RemovesTheCurrentElement)
                          EXPECT_EQ(TextOf(tree), L"y");
                      }),
               "<r>y<c/></r>");
+}
+
+TEST(XMLTree, ReadsTextsBesideARemovedElementAsTheyAreSaved)
+{
+    const std::pair<const char*, const wchar_t*> cases[] = {
+        {"<r>1\r<a/>\n2</r>", L"1\n2"},
+        {"<r>&lt<a/>;</r>", L"<"},
+        {"<r>\xE4<a/>\xB8\xAD</r>", L"中"},
+        {"<r>1<a/>2<![CDATA[&lt]]>;</r>", L"12&lt;"},
+    };
+    for (const auto& [bytes, text] : cases) {
+        const std::string saved = Edited(bytes, [expected = text](IXMLTree& tree) {
+            EXPECT_TRUE(tree.GoToPath(L"a"));
+            tree.RemoveCurrent();
+            EXPECT_EQ(TextOf(tree), expected);
+        });
+        EXPECT_EQ(TreeFile(saved).Text(L""), text) << bytes;
+    }
 }
 
 TEST(XMLTree, MayLoseItsDocumentElementAndGetAnother)
