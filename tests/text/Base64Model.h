@@ -1,6 +1,6 @@
 #pragma once
 
-// Base64 as it is described, to compare with.
+#include "support/Random.h"
 
 #include <cstddef>
 #include <string>
@@ -10,7 +10,7 @@ namespace test
 
 inline const std::string kBase64Alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
-// Encodes bit by bit.
+// The codec bit by bit, to compare with.
 inline std::string ModelEncode(const std::string& data)
 {
     std::string text;
@@ -63,5 +63,54 @@ inline std::string ModelDecode(const std::string& text)
     }
     return data;
 }
+
+inline std::string InLines(const std::string& text, std::size_t width)
+{
+    std::string lines;
+    for (std::size_t i = 0; i < text.size(); i += width)
+        lines += (i == 0 ? "" : "\r\n") + text.substr(i, width);
+    return lines;
+}
+
+class Base64Random : public Random
+{
+public:
+    using Random::Random;
+
+    std::string Bytes(std::size_t length)
+    {
+        std::string bytes(length, '\0');
+        for (char& c : bytes)
+            c = static_cast<char>(Below(256));
+        return bytes;
+    }
+
+    // Mostly the alphabet, with what matters to a decoder between.
+    std::string AlmostText(std::size_t length)
+    {
+        const std::string others = std::string("====\r\n\1\2\0 -_.\x7F\x80\xAB\xFF", 17);
+        const unsigned share = 1 + Below(20);
+        std::string text(length, '\0');
+        for (char& c : text)
+            c = Below(share) == 0 ? others[Below(17)] : kBase64Alphabet[Below(64)];
+        return text;
+    }
+
+    // A text of one of the kinds that decoders meet.
+    std::string Text()
+    {
+        const std::size_t length = Below(Below(10) == 0 ? 400 : 90);
+        switch (Below(4)) {
+        case 0:
+            return ModelEncode(Bytes(length));
+        case 1:
+            return InLines(ModelEncode(Bytes(length)), 4 + Below(80));
+        case 2:
+            return Bytes(length);
+        default:
+            return AlmostText(length);
+        }
+    }
+};
 
 } // namespace test

@@ -1,5 +1,4 @@
 #include "support/GuardedBuffer.h"
-#include "support/Random.h"
 #include "support/Threads.h"
 #include "text/Base64Model.h"
 
@@ -17,9 +16,10 @@
 
 using namespace KELPKIT;
 using test::GuardedBuffer;
-using test::kBase64Alphabet;
+using test::InLines;
 using test::ModelDecode;
 using test::ModelEncode;
+using Random = test::Base64Random;
 
 namespace
 {
@@ -40,55 +40,6 @@ std::string Decoded(const std::string& text)
 {
     return Decoded(text, text.size() + 8);
 }
-
-std::string InLines(const std::string& text, std::size_t width)
-{
-    std::string lines;
-    for (std::size_t i = 0; i < text.size(); i += width)
-        lines += (i == 0 ? "" : "\r\n") + text.substr(i, width);
-    return lines;
-}
-
-class Random : public test::Random
-{
-public:
-    using test::Random::Random;
-
-    std::string Bytes(std::size_t length)
-    {
-        std::string bytes(length, '\0');
-        for (char& c : bytes)
-            c = static_cast<char>(Below(256));
-        return bytes;
-    }
-
-    // Mostly the alphabet, with what matters to a decoder between.
-    std::string AlmostText(std::size_t length)
-    {
-        const std::string others = std::string("====\r\n\1\2\0 -_.\x7F\x80\xAB\xFF", 17);
-        const unsigned share = 1 + Below(20);
-        std::string text(length, '\0');
-        for (char& c : text)
-            c = Below(share) == 0 ? others[Below(17)] : kBase64Alphabet[Below(64)];
-        return text;
-    }
-
-    // A text of one of the kinds that decoders meet.
-    std::string Text()
-    {
-        const std::size_t length = Below(Below(10) == 0 ? 400 : 90);
-        switch (Below(4)) {
-        case 0:
-            return ModelEncode(Bytes(length));
-        case 1:
-            return InLines(ModelEncode(Bytes(length)), 4 + Below(80));
-        case 2:
-            return Bytes(length);
-        default:
-            return AlmostText(length);
-        }
-    }
-};
 
 // RFC 4648, section 10, and more.
 const std::pair<std::string, std::string> kVectors[] = {
