@@ -3,6 +3,7 @@
 // Text sixteen units at a time. SSE2 belongs to every 64-bit x86 processor.
 
 #include <cstddef>
+#include <cstdint>
 #include <emmintrin.h>
 #include <string_view>
 
@@ -52,14 +53,14 @@ inline unsigned PlainMask(const wchar_t* from)
 }
 
 // The place of the lowest bit that is set; there must be one.
-inline unsigned TrailingZeros(unsigned mask)
+inline unsigned TrailingZeros(std::uint64_t mask)
 {
 #if defined(_MSC_VER)
     unsigned long place = 0;
-    _BitScanForward(&place, mask);
+    _BitScanForward64(&place, mask);
     return place;
 #else
-    return static_cast<unsigned>(__builtin_ctz(mask));
+    return static_cast<unsigned>(__builtin_ctzll(mask));
 #endif
 }
 
@@ -98,6 +99,27 @@ bool IsAscii(const Char* text, std::size_t length)
     while (i < length && text[i] > 0 && text[i] < 0x80)
         ++i;
     return i == length || text[i] == 0;
+}
+
+inline void CopySixteen(const char* from, wchar_t* to)
+{
+    Widen(Load(from), to);
+}
+
+inline void CopySixteen(const wchar_t* from, char* to)
+{
+    Store(to, Narrow(from));
+}
+
+// Copies whole blocks of 1..0x7F, which ASCII, UTF-8 and UTF-16 share.
+template <class From, class To>
+void CopyPlain(const From*& in, const From* end, To*& out, const To* outEnd)
+{
+    while (end - in >= 16 && outEnd - out >= 16 && PlainMask(in) == 0xFFFF) {
+        CopySixteen(in, out);
+        in += 16;
+        out += 16;
+    }
 }
 
 // A bit for each of sixteen units that equals the given one.

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <iterator>
 #include <memory>
 
 namespace KELPKIT
@@ -13,9 +14,9 @@ namespace KELPKIT
 namespace
 {
 
-// Up to this many units are converted on the stack; longer texts pass through it piece by piece, which spares the
-// result's being filled with zeros first.
-constexpr std::size_t kStackUnits = 1024;
+// Texts are converted piece by piece on the stack, up to this many UTF-16 units at a time, which spares the result's
+// being filled with zeros first.
+constexpr std::size_t kPieceUnits = 1024;
 
 // No code page that can be the ANSI one, UTF-8 among them, writes more bytes than this for one UTF-16 unit.
 constexpr std::size_t kMostBytesPerUnit = 3;
@@ -30,37 +31,41 @@ void RefuseUncountable(Text& result)
 
 // The platform's conversion in one call. The terminator is converted with the text, as it is when the length is
 // given as -1: it matters to a double-byte character cut short at the end.
-std::wstring SystemToWide(UINT codePage, const char* text, std::size_t length)
+std::wstring BySystem(UINT codePage, const std::string& text)
 {
+    const std::size_t length = blocks::LengthToZero(text.data(), text.size());
     if (length >= INT_MAX)
         return {};
     const int size = static_cast<int>(length) + 1;
-    wchar_t stack[kStackUnits];
+    wchar_t stack[2 * kPieceUnits + 1];
     std::unique_ptr<wchar_t[]> heap;
     wchar_t* units = stack;
-    if (length >= kStackUnits) {
+    if (length >= std::size(stack)) {
         heap.reset(new wchar_t[length + 1]);
         units = heap.get();
     }
-    const int count = ::MultiByteToWideChar(codePage, 0, text, size, units, size);
+    const int count = ::MultiByteToWideChar(codePage, 0, text.c_str(), size, units, size);
     return {units, blocks::LengthToZero(units, static_cast<std::size_t>(std::max(count, 0)))};
 }
 
 // The same piece by piece, since no unit depends on another, save the halves of a surrogate pair.
-std::string SystemToNarrow(UINT codePage, const wchar_t* text, std::size_t length)
+std::string BySystem(UINT codePage, const std::wstring& text)
 {
     std::string result;
-    char piece[kMostBytesPerUnit * kStackUnits];
-    for (const wchar_t* const end = text + length; text != end;) {
-        std::size_t size = std::min<std::size_t>(static_cast<std::size_t>(end - text), kStackUnits);
-        if (size == kStackUnits && IS_HIGH_SURROGATE(text[size - 1]))
+    char piece[kMostBytesPerUnit * kPieceUnits];
+    const wchar_t* in = text.c_str();
+    for (const wchar_t* const end = in + blocks::LengthToZero(text.data(), text.size()); in != end;) {
+        std::size_t size = std::min<std::size_t>(static_cast<std::size_t>(end - in), kPieceUnits);
+        if (size == kPieceUnits && IS_HIGH_SURROGATE(in[size - 1]))
             --size;
         const int count =
-            ::WideCharToMultiByte(codePage, 0, text, static_cast<int>(size), piece, sizeof piece, nullptr, nullptr);
-        text += size;
-        if (result.empty() && text != end) {
+            ::WideCharToMultiByte(codePage, 0, in, static_cast<int>(size), piece, sizeof piece, nullptr, nullptr);
+        in += size;
+        if (result.empty()) {
+            if (in == end)
+                return {piece, static_cast<std::size_t>(count)};
             // The rest is taken to be like the first piece.
-            const std::size_t pieces = 2 + static_cast<std::size_t>(end - text) / size;
+            const std::size_t pieces = 2 + static_cast<std::size_t>(end - in) / size;
             result.reserve(pieces * static_cast<std::size_t>(count));
         }
         result.append(piece, static_cast<std::size_t>(count));
@@ -69,60 +74,62 @@ std::string SystemToNarrow(UINT codePage, const wchar_t* text, std::size_t lengt
     return result;
 }
 
+// Converts piece by piece with `convert`, which is like utf8::Decode; what that refuses is asked of the platform.
+// `count` gives the length of the whole result, which most texts do without.
+template <class Result, class Text, class Convert, class Count>
+Result ByPieces(UINT codePage, const Text& text, const Convert& convert, const Count& count)
+{
+    using Char = typename Result::value_type;
+    Char piece[kPieceUnits * (sizeof(Char) == 1 ? kMostBytesPerUnit : 1) + utf8::kLeastRoom];
+    Result result;
+    const auto* in = text.c_str();
+    for (const auto* const end = in + text.size(); *in != 0;) {
+        const Char* const pieceEnd = convert(in, end, piece, std::end(piece));
+        if (pieceEnd == nullptr)
+            return BySystem(codePage, text);
+        const auto size = static_cast<std::size_t>(pieceEnd - piece);
+        if (result.empty()) {
+            if (*in == 0)
+                return {piece, size};
+            result.reserve(count(text.data(), text.size()));
+        }
+        result.append(piece, size);
+    }
+    RefuseUncountable(result);
+    return result;
+}
+
+// ASCII, which every ANSI code page writes alike.
+template <class From, class To>
+To* CopyAscii(const From*& in, const From* end, To* out, const To* outEnd)
+{
+    blocks::CopyPlain(in, end, out, outEnd);
+    while (in != end && out != outEnd && *in > 0 && *in < 0x80)
+        *out++ = static_cast<To>(*in++);
+    return *in == 0 || out == outEnd ? out : nullptr;
+}
+
 } // namespace
 
 std::wstring AnsiToUnicode(const std::string& text)
 {
-    if (blocks::IsAscii(text.data(), text.size()))
-        return UTF8ToUnicode(text);
-    return SystemToWide(CP_ACP, text.c_str(), blocks::LengthToZero(text.data(), text.size()));
+    return ByPieces<std::wstring>(CP_ACP, text, CopyAscii<char, wchar_t>, blocks::LengthToZero<char>);
 }
 
 std::string UnicodeToAnsi(const std::wstring& text)
 {
-    if (blocks::IsAscii(text.data(), text.size()))
-        return UnicodeToUTF8(text);
-    return SystemToNarrow(CP_ACP, text.c_str(), blocks::LengthToZero(text.data(), text.size()));
+    return ByPieces<std::string>(CP_ACP, text, CopyAscii<wchar_t, char>, blocks::LengthToZero<wchar_t>);
 }
 
-// Well-formed text has one conversion only, and it is made here; what the platform makes of anything else is asked
-// of the platform.
+// Well-formed text has one conversion only, and it is made here.
 std::wstring UTF8ToUnicode(const std::string& text)
 {
-    const std::size_t length = blocks::LengthToZero(text.data(), text.size());
-    const char* in = text.c_str();
-    const char* const end = in + length;
-    std::wstring result;
-    wchar_t piece[kStackUnits];
-    while (in != end) {
-        const wchar_t* const pieceEnd = utf8::Decode(in, end, piece, piece + kStackUnits);
-        if (pieceEnd == nullptr)
-            return SystemToWide(CP_UTF8, text.c_str(), length);
-        if (in != end && result.empty())
-            result.reserve(utf8::DecodedLength(text.data(), length));
-        result.append(piece, static_cast<std::size_t>(pieceEnd - piece));
-    }
-    RefuseUncountable(result);
-    return result;
+    return ByPieces<std::wstring>(CP_UTF8, text, utf8::Decode, utf8::DecodedLength);
 }
 
 std::string UnicodeToUTF8(const std::wstring& text)
 {
-    const std::size_t length = blocks::LengthToZero(text.data(), text.size());
-    const wchar_t* in = text.c_str();
-    const wchar_t* const end = in + length;
-    std::string result;
-    char piece[kMostBytesPerUnit * kStackUnits];
-    while (in != end) {
-        const char* const pieceEnd = utf8::Encode(in, end, piece, piece + sizeof piece);
-        if (pieceEnd == nullptr)
-            return SystemToNarrow(CP_UTF8, text.c_str(), length);
-        if (in != end && result.empty())
-            result.reserve(utf8::EncodedLength(text.data(), length));
-        result.append(piece, static_cast<std::size_t>(pieceEnd - piece));
-    }
-    RefuseUncountable(result);
-    return result;
+    return ByPieces<std::string>(CP_UTF8, text, utf8::Encode, utf8::EncodedLength);
 }
 
 std::wstring ConvertUtf8ToGBK(const std::string& text)

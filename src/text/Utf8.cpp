@@ -2,8 +2,8 @@
 
 #include "text/Blocks.h"
 
+#include <algorithm>
 #include <cstdint>
-#include <cstring>
 
 namespace KELPKIT::utf8
 {
@@ -17,6 +17,17 @@ std::size_t HorizontalSum(__m128i twoSums)
     return static_cast<std::size_t>(sums[0] + sums[1]);
 }
 
+// By how much each of eight units makes less than three bytes, negated: one below 0x800, one more below 0x80. Each half
+// of a surrogate pair makes two.
+__m128i BytesLess(__m128i units)
+{
+    const __m128i below80 = _mm_cmpeq_epi16(_mm_subs_epu16(units, _mm_set1_epi16(0x7F)), _mm_setzero_si128());
+    const __m128i below800 = _mm_cmpeq_epi16(_mm_subs_epu16(units, _mm_set1_epi16(0x7FF)), _mm_setzero_si128());
+    const __m128i surrogates = _mm_cmpeq_epi16(_mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xF800))),
+                                               _mm_set1_epi16(static_cast<short>(0xD800)));
+    return _mm_add_epi16(_mm_add_epi16(below80, below800), surrogates);
+}
+
 bool IsTrail(unsigned char byte)
 {
     return (byte & 0xC0) == 0x80;
@@ -27,39 +38,63 @@ bool IsSurrogate(unsigned code)
     return (code & 0xFFFFF800) == 0xD800;
 }
 
-constexpr auto kBlock = static_cast<std::ptrdiff_t>(kLeastRoom);
-
-void CopyBlock(const char* in, wchar_t* out)
+__m128i Same(unsigned value)
 {
-    blocks::Widen(blocks::Load(in), out);
+    return _mm_set1_epi32(static_cast<int>(value));
 }
 
-void CopyBlock(const wchar_t* in, char* out)
+// How many of four lanes, from the first on, are good: well-formed, neither below U+0800 nor surrogates. The code is in
+// the upper half of its lane.
+std::size_t GoodThrees(__m128i upperCodes, __m128i wellFormed)
 {
-    blocks::Store(out, blocks::Narrow(in));
+    const __m128i upper = _mm_and_si128(upperCodes, Same(0xF8000000));
+    const __m128i bad =
+        _mm_or_si128(_mm_cmpeq_epi32(upper, _mm_setzero_si128()), _mm_cmpeq_epi32(upper, Same(0xD8000000)));
+    const int good = _mm_movemask_ps(_mm_castsi128_ps(_mm_andnot_si128(bad, wellFormed)));
+    return blocks::TrailingZeros(~static_cast<unsigned>(good));
 }
 
-// Copies the ASCII that `in` starts with: whole blocks, then the run that the next one starts with, or one unit near
-// the end.
-template <class From, class To>
-void CopyAscii(const From*& in, const From* end, To*& out, const To* outEnd)
+// Chinese text is made of three-byte sequences: four of them at a time. False where there is anything else among them.
+bool ConvertThrees(const char* in, std::size_t count, wchar_t* out)
 {
-    if (end - in < kBlock) {
-        *out++ = static_cast<To>(*in++);
-        return;
+    for (std::size_t i = 0; i < count; i += 4, in += 12) {
+        // Two sequences, side by side, in each half.
+        const __m128i sixes = _mm_unpacklo_epi64(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(in)),
+                                                 _mm_loadl_epi64(reinterpret_cast<const __m128i*>(in + 6)));
+        const __m128i bytes = _mm_or_si128(_mm_and_si128(sixes, _mm_set1_epi64x(0xFFFFFF)),
+                                           _mm_and_si128(_mm_slli_epi64(sixes, 8), _mm_set1_epi64x(0xFFFFFFLL << 32)));
+        const __m128i first = _mm_slli_epi32(bytes, 28);
+        const __m128i second = _mm_and_si128(_mm_slli_epi32(bytes, 14), Same(0x0FC00000));
+        const __m128i third = _mm_and_si128(bytes, Same(0x003F0000));
+        const __m128i upperCodes = _mm_or_si128(_mm_or_si128(first, second), third);
+        const __m128i wellFormed = _mm_cmpeq_epi32(_mm_and_si128(bytes, Same(0x00C0C0F0)), Same(0x008080E0));
+        const std::size_t good = GoodThrees(upperCodes, wellFormed);
+        if (good < 4 && i + good < count)
+            return false;
+        const __m128i codes = _mm_srai_epi32(upperCodes, 16);
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + i), _mm_packs_epi32(codes, codes));
     }
-    while (end - in >= kBlock && outEnd - out >= kBlock) {
-        CopyBlock(in, out);
-        const unsigned plain = blocks::PlainMask(in);
-        if (plain != 0xFFFF) {
-            const unsigned run = blocks::TrailingZeros(~plain);
-            in += run;
-            out += run;
-            return;
-        }
-        in += kBlock;
-        out += kBlock;
+    return true;
+}
+
+bool ConvertThrees(const wchar_t* in, std::size_t count, char* out)
+{
+    for (std::size_t i = 0; i < count; i += 4, out += 12) {
+        const __m128i units = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(in + i));
+        const __m128i upperCodes = _mm_unpacklo_epi16(_mm_setzero_si128(), units);
+        const std::size_t good = GoodThrees(upperCodes, Same(0xFFFFFFFF));
+        if (good < 4 && i + good < count)
+            return false;
+        const __m128i first = _mm_srli_epi32(upperCodes, 28);
+        const __m128i second = _mm_and_si128(_mm_srli_epi32(upperCodes, 14), Same(0x3F00));
+        const __m128i third = _mm_and_si128(upperCodes, Same(0x3F0000));
+        const __m128i bytes = _mm_or_si128(_mm_or_si128(first, second), _mm_or_si128(third, Same(0x8080E0)));
+        const __m128i sixes = _mm_or_si128(_mm_and_si128(bytes, _mm_set1_epi64x(0xFFFFFF)),
+                                           _mm_and_si128(_mm_srli_epi64(bytes, 8), _mm_set1_epi64x(0xFFFFFFLL << 24)));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(out), sixes);
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + 6), _mm_unpackhi_epi64(sixes, sixes));
     }
+    return true;
 }
 
 // The code point of the sequence of `size` bytes at `in`, or 0 where the bytes behind the first are not trail bytes.
@@ -77,32 +112,134 @@ unsigned Sequence(const char* in)
     return code;
 }
 
-// Runs of three-byte sequences, which Chinese text is made of: four bytes are looked at, or written, at once. Both stop
-// at anything else, well-formed or not.
-void DecodeThrees(const char*& in, const char* end, wchar_t*& out, const wchar_t* outEnd)
+// Converts one character; false where there is none, as at the terminator.
+bool ConvertOne(const char*& in, wchar_t*& out)
 {
-    while (end - in >= 4 && out != outEnd) {
-        std::uint32_t bytes = 0;
-        std::memcpy(&bytes, in, sizeof bytes);
-        const unsigned code = (bytes & 0xF) << 12 | (bytes >> 2 & 0xFC0) | (bytes >> 16 & 0x3F);
-        if ((bytes & 0x00C0C0F0) != 0x008080E0 || code < 0x800 || IsSurrogate(code))
-            return;
+    const auto lead = static_cast<unsigned char>(*in);
+    if (lead < 0x80) {
+        if (lead == 0)
+            return false;
+        *out++ = lead;
+        ++in;
+    } else if (lead >= 0xE0 && lead < 0xF0) {
+        const unsigned code = Sequence<3>(in);
+        if (code < 0x800 || IsSurrogate(code))
+            return false;
         *out++ = static_cast<wchar_t>(code);
         in += 3;
+    } else if (lead >= 0xC0 && lead < 0xE0) {
+        const unsigned code = Sequence<2>(in);
+        if (code < 0x80)
+            return false;
+        *out++ = static_cast<wchar_t>(code);
+        in += 2;
+    } else {
+        const unsigned code = lead >= 0xF0 && lead < 0xF8 ? Sequence<4>(in) : 0;
+        if (code < 0x10000 || code > 0x10FFFF)
+            return false;
+        *out++ = static_cast<wchar_t>(0xD7C0 + (code >> 10));
+        *out++ = static_cast<wchar_t>(0xDC00 + (code & 0x3FF));
+        in += 4;
     }
+    return true;
 }
 
-void EncodeThrees(const wchar_t*& in, const wchar_t* end, char*& out, const char* outEnd)
+bool ConvertOne(const wchar_t*& in, char*& out)
 {
-    while (in != end && outEnd - out >= 4) {
-        const unsigned unit = *in;
-        if (unit < 0x800 || IsSurrogate(unit))
-            return;
-        const std::uint32_t bytes = 0x008080E0 | unit >> 12 | (unit << 2 & 0x3F00) | (unit << 16 & 0x3F0000);
-        std::memcpy(out, &bytes, sizeof bytes);
-        out += 3;
+    const unsigned unit = *in;
+    if (unit < 0x80) {
+        if (unit == 0)
+            return false;
+        *out++ = static_cast<char>(unit);
         ++in;
+    } else if (unit < 0x800) {
+        *out++ = static_cast<char>(0xC0 | unit >> 6);
+        *out++ = static_cast<char>(0x80 | (unit & 0x3F));
+        ++in;
+    } else if (!IsSurrogate(unit)) {
+        *out++ = static_cast<char>(0xE0 | unit >> 12);
+        *out++ = static_cast<char>(0x80 | (unit >> 6 & 0x3F));
+        *out++ = static_cast<char>(0x80 | (unit & 0x3F));
+        ++in;
+    } else {
+        // The terminator is no second half, so nothing behind it is read.
+        const unsigned second = in[1];
+        if (unit >= 0xDC00 || (second & 0xFC00) != 0xDC00)
+            return false;
+        const unsigned code = 0x10000 + ((unit - 0xD800) << 10) + (second - 0xDC00);
+        *out++ = static_cast<char>(0xF0 | code >> 18);
+        *out++ = static_cast<char>(0x80 | (code >> 12 & 0x3F));
+        *out++ = static_cast<char>(0x80 | (code >> 6 & 0x3F));
+        *out++ = static_cast<char>(0x80 | (code & 0x3F));
+        in += 2;
     }
+    return true;
+}
+
+template <class From, class To>
+void CopyRun(const From* in, std::size_t length, To* out)
+{
+    blocks::CopySixteen(in, out);
+    for (std::size_t i = 16; i < length; i += 16)
+        blocks::CopySixteen(in + i, out + i);
+}
+
+// Converts ASCII and three-byte sequences while there is room: block by block, and a block run by run. Returns the end
+// of what follows `in` and is to be converted one by one: a run with something else in it, or the last few units.
+template <class From, class To>
+const From* ConvertBlocks(const From*& in, const From* end, To*& out, const To* outEnd)
+{
+    // What a three-byte sequence takes of either text.
+    constexpr std::size_t kOfFrom = sizeof(From) == 1 ? 3 : 1;
+    constexpr std::size_t kOfTo = sizeof(To) == 1 ? 3 : 1;
+    std::size_t at = 0; // in the block, which the last sequence of the block before may reach into
+    for (;;) {
+        blocks::CopyPlain(in, end, out, outEnd);
+        if (end - in < 32 || outEnd - out < kLeastRoom)
+            break;
+        // Runs of ASCII and of anything else take turns: a bit for each place where one ends, and one behind the block.
+        const std::size_t size = std::min<std::size_t>(static_cast<std::size_t>(end - in) / 16 * 16 - 16, 48);
+        std::uint64_t plain = ((std::uint64_t(1) << at) - 1) | std::uint64_t(1) << size;
+        for (std::size_t i = 0; i < size; i += 16)
+            plain |= std::uint64_t(blocks::PlainMask(in + i)) << i;
+        std::size_t over = 0;
+        for (std::uint64_t edges = plain ^ (plain << 1 | 1); at < size; edges &= edges - 1) {
+            const std::size_t first = std::min<std::size_t>(blocks::TrailingZeros(edges), size);
+            CopyRun(in + at, first - at, out);
+            out += first - at;
+            at = first;
+            if (at == size)
+                break;
+            edges &= edges - 1;
+            at = blocks::TrailingZeros(edges);
+            const std::size_t threes = (at - first + kOfFrom - 1) / kOfFrom;
+            if (!ConvertThrees(in + first, threes, out)) {
+                const From* const runEnd = in + at;
+                in += first;
+                return runEnd;
+            }
+            out += kOfTo * threes;
+            over = kOfFrom * threes - (at - first);
+        }
+        in += size;
+        at = over;
+    }
+    in += at;
+    return outEnd - out >= kLeastRoom ? end : in;
+}
+
+template <class From, class To>
+To* Convert(const From*& position, const From* end, To* out, const To* outEnd)
+{
+    const From* in = position;
+    bool good = true;
+    while (good && in < end && outEnd - out >= kLeastRoom) {
+        const From* const runEnd = ConvertBlocks(in, end, out, outEnd);
+        while (good && in < runEnd)
+            good = ConvertOne(in, out);
+    }
+    position = in;
+    return good || *in == 0 ? out : nullptr;
 }
 
 } // namespace
@@ -115,7 +252,7 @@ std::size_t DecodedLength(const char* text, std::size_t length)
     const __m128i zero = _mm_setzero_si128();
     __m128i sums = zero;
     std::size_t i = 0;
-    for (; length - i >= 16; i += 16) {
+    for (; length - i >= 16 && !blocks::HasZero(text + i); i += 16) {
         const __m128i bytes = blocks::Load(text + i);
         const __m128i notTrail = _mm_cmpgt_epi8(bytes, lastTrail);
         const __m128i fours = _mm_cmpeq_epi8(_mm_max_epu8(bytes, firstOfFour), bytes);
@@ -123,7 +260,7 @@ std::size_t DecodedLength(const char* text, std::size_t length)
         sums = _mm_add_epi64(sums, _mm_sad_epu8(units, zero));
     }
     std::size_t units = HorizontalSum(sums);
-    for (; i < length; ++i) {
+    for (; i < length && text[i] != 0; ++i) {
         const auto byte = static_cast<unsigned char>(text[i]);
         units += (IsTrail(byte) ? 0U : 1U) + (byte >= 0xF0 ? 1U : 0U);
     }
@@ -132,86 +269,27 @@ std::size_t DecodedLength(const char* text, std::size_t length)
 
 wchar_t* Decode(const char*& position, const char* end, wchar_t* out, const wchar_t* outEnd)
 {
-    const char* in = position;
-    while (in != end && outEnd - out >= kBlock) {
-        const auto lead = static_cast<unsigned char>(*in);
-        if (lead < 0x80) {
-            CopyAscii(in, end, out, outEnd);
-        } else if (lead >= 0xE0 && lead < 0xF0) {
-            const unsigned code = Sequence<3>(in);
-            if (code < 0x800 || IsSurrogate(code))
-                return nullptr;
-            *out++ = static_cast<wchar_t>(code);
-            in += 3;
-            DecodeThrees(in, end, out, outEnd);
-        } else if (lead >= 0xC0 && lead < 0xE0) {
-            const unsigned code = Sequence<2>(in);
-            if (code < 0x80)
-                return nullptr;
-            *out++ = static_cast<wchar_t>(code);
-            in += 2;
-        } else {
-            const unsigned code = lead >= 0xF0 && lead < 0xF8 ? Sequence<4>(in) : 0;
-            if (code < 0x10000 || code > 0x10FFFF)
-                return nullptr;
-            *out++ = static_cast<wchar_t>(0xD7C0 + (code >> 10));
-            *out++ = static_cast<wchar_t>(0xDC00 + (code & 0x3FF));
-            in += 4;
-        }
-    }
-    position = in;
-    return out;
+    return Convert(position, end, out, outEnd);
 }
 
 std::size_t EncodedLength(const wchar_t* text, std::size_t length)
 {
-    // Three bytes for every unit, less one below 0x800, less one below 0x80; each half of a surrogate pair makes two.
     const __m128i zero = _mm_setzero_si128();
     __m128i sums = zero;
     std::size_t i = 0;
-    for (; length - i >= 8; i += 8) {
-        const __m128i units = blocks::Load(text + i);
-        const __m128i below80 = _mm_cmpeq_epi16(_mm_subs_epu16(units, _mm_set1_epi16(0x7F)), zero);
-        const __m128i below800 = _mm_cmpeq_epi16(_mm_subs_epu16(units, _mm_set1_epi16(0x7FF)), zero);
-        const __m128i surrogates = _mm_cmpeq_epi16(_mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xF800))),
-                                                   _mm_set1_epi16(static_cast<short>(0xD800)));
-        const __m128i less = _mm_add_epi16(_mm_add_epi16(below80, below800), surrogates);
-        sums = _mm_add_epi64(sums, _mm_sad_epu8(_mm_add_epi16(_mm_set1_epi16(3), less), zero));
+    for (; length - i >= 16 && !blocks::HasZero(text + i); i += 16) {
+        const __m128i less = _mm_add_epi16(BytesLess(blocks::Load(text + i)), BytesLess(blocks::Load(text + i + 8)));
+        sums = _mm_add_epi64(sums, _mm_sad_epu8(_mm_add_epi16(_mm_set1_epi16(6), less), zero));
     }
     std::size_t bytes = HorizontalSum(sums);
-    for (; i < length; ++i)
+    for (; i < length && text[i] != 0; ++i)
         bytes += 3U - (text[i] < 0x80 ? 1U : 0U) - (text[i] < 0x800 ? 1U : 0U) - (IsSurrogate(text[i]) ? 1U : 0U);
     return bytes;
 }
 
 char* Encode(const wchar_t*& position, const wchar_t* end, char* out, const char* outEnd)
 {
-    const wchar_t* in = position;
-    while (in != end && outEnd - out >= kBlock) {
-        const unsigned unit = *in;
-        if (unit < 0x80) {
-            CopyAscii(in, end, out, outEnd);
-        } else if (unit < 0x800) {
-            *out++ = static_cast<char>(0xC0 | unit >> 6);
-            *out++ = static_cast<char>(0x80 | (unit & 0x3F));
-            ++in;
-        } else if (!IsSurrogate(unit)) {
-            EncodeThrees(in, end, out, outEnd);
-        } else {
-            // The terminator is no second half, so nothing behind it is read.
-            const unsigned second = in[1];
-            if (unit >= 0xDC00 || (second & 0xFC00) != 0xDC00)
-                return nullptr;
-            const unsigned code = 0x10000 + ((unit - 0xD800) << 10) + (second - 0xDC00);
-            *out++ = static_cast<char>(0xF0 | code >> 18);
-            *out++ = static_cast<char>(0x80 | (code >> 12 & 0x3F));
-            *out++ = static_cast<char>(0x80 | (code >> 6 & 0x3F));
-            *out++ = static_cast<char>(0x80 | (code & 0x3F));
-            in += 2;
-        }
-    }
-    position = in;
-    return out;
+    return Convert(position, end, out, outEnd);
 }
 
 } // namespace KELPKIT::utf8

@@ -8,7 +8,7 @@ namespace KELPKIT::utf8
 {
 
 // What the two conversions need as room to make headway.
-constexpr std::size_t kLeastRoom = 16;
+constexpr std::ptrdiff_t kLeastRoom = 160;
 
 // The number of UTF-16 units in the decoded text.
 std::size_t DecodedLength(const char* text, std::size_t length);
