@@ -111,11 +111,17 @@ inline void CopySixteen(const wchar_t* from, char* to)
     Store(to, Narrow(from));
 }
 
-// Copies whole blocks of 1..0x7F, which ASCII, UTF-8 and UTF-16 share.
+// Copies sixteens of 1..0x7F, which ANSI code pages, UTF-8 and UTF-16 have in common, as far as they go.
 template <class From, class To>
 void CopyPlain(const From*& in, const From* end, To*& out, const To* outEnd)
 {
-    while (end - in >= 16 && outEnd - out >= 16 && PlainMask(in) == 0xFFFF) {
+    while (end - in >= 32 && outEnd - out >= 32 && (PlainMask(in) & PlainMask(in + 16)) == 0xFFFF) {
+        CopySixteen(in, out);
+        CopySixteen(in + 16, out + 16);
+        in += 32;
+        out += 32;
+    }
+    if (end - in >= 16 && outEnd - out >= 16 && PlainMask(in) == 0xFFFF) {
         CopySixteen(in, out);
         in += 16;
         out += 16;

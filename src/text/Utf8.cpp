@@ -55,6 +55,7 @@ std::size_t GoodThrees(__m128i upperCodes, __m128i wellFormed)
 }
 
 // Chinese text is made of three-byte sequences: four of them at a time. False where there is anything else among them.
+// Up to three sequences too many are read and written.
 bool ConvertThrees(const char* in, std::size_t count, wchar_t* out)
 {
     for (std::size_t i = 0; i < count; i += 4, in += 12) {
@@ -176,12 +177,24 @@ bool ConvertOne(const wchar_t*& in, char*& out)
     return true;
 }
 
+// Copies by sixteens, so that up to 15 units too many are read and written.
 template <class From, class To>
 void CopyRun(const From* in, std::size_t length, To* out)
 {
     blocks::CopySixteen(in, out);
     for (std::size_t i = 16; i < length; i += 16)
         blocks::CopySixteen(in + i, out + i);
+}
+
+// Runs of ASCII and runs of anything else take turns: a bit for each place, from `at` on, where one of the latter begins
+// or ends, and one behind the block.
+template <class From>
+std::uint64_t Edges(const From* block, std::size_t at, std::size_t size)
+{
+    std::uint64_t plain = ((std::uint64_t(1) << at) - 1) | std::uint64_t(1) << size;
+    for (std::size_t i = 0; i < size; i += 16)
+        plain |= std::uint64_t(blocks::PlainMask(block + i)) << i;
+    return plain ^ (plain << 1 | 1);
 }
 
 // Converts ASCII and three-byte sequences while there is room: block by block, and a block run by run. Returns the end
@@ -197,13 +210,10 @@ const From* ConvertBlocks(const From*& in, const From* end, To*& out, const To* 
         blocks::CopyPlain(in, end, out, outEnd);
         if (end - in < 32 || outEnd - out < kLeastRoom)
             break;
-        // Runs of ASCII and of anything else take turns: a bit for each place where one ends, and one behind the block.
+        // Up to 16 units behind the block are read.
         const std::size_t size = std::min<std::size_t>(static_cast<std::size_t>(end - in) / 16 * 16 - 16, 48);
-        std::uint64_t plain = ((std::uint64_t(1) << at) - 1) | std::uint64_t(1) << size;
-        for (std::size_t i = 0; i < size; i += 16)
-            plain |= std::uint64_t(blocks::PlainMask(in + i)) << i;
         std::size_t over = 0;
-        for (std::uint64_t edges = plain ^ (plain << 1 | 1); at < size; edges &= edges - 1) {
+        for (std::uint64_t edges = Edges(in, at, size); at < size; edges &= edges - 1) {
             const std::size_t first = std::min<std::size_t>(blocks::TrailingZeros(edges), size);
             CopyRun(in + at, first - at, out);
             out += first - at;

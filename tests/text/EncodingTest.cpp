@@ -1,5 +1,6 @@
 #include "support/CodePage.h"
 #include "support/FailingCall.h"
+#include "support/GuardedBuffer.h"
 #include "support/ImportPatch.h"
 #include "support/Random.h"
 #include "support/Threads.h"
@@ -11,6 +12,7 @@
 #include <windows.h>
 
 #include <cstdlib>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -52,6 +54,16 @@ void ExpectSystemResults(const std::wstring& text)
 {
     ASSERT_EQ(UnicodeToAnsi(text), SystemNarrow(CP_ACP, text)) << testing::PrintToString(text);
     ASSERT_EQ(UnicodeToUTF8(text), SystemNarrow(CP_UTF8, text)) << testing::PrintToString(text);
+}
+
+// The pattern again and again, up to a length.
+std::wstring Repeated(const std::wstring& pattern, std::size_t length)
+{
+    std::wstring text;
+    while (text.size() < length)
+        text += pattern;
+    text.resize(length);
+    return text;
 }
 
 class Random : public test::Random
@@ -197,9 +209,13 @@ TEST(Encoding, InvalidUtf8GivesReplacementCharacters)
     for (const char* const text : texts) {
         EXPECT_NE(UTF8ToUnicode(text).find(L'\xFFFD'), std::wstring::npos) << testing::PrintToString(text);
         // At every place of a text that spans several blocks.
-        for (std::size_t before = 0; before < 40; ++before) {
-            ExpectSystemResults(std::string(before, 'a') + text);
-            ExpectSystemResults(std::string(before, 'a') + text + "\xE4\xB8\xAD and more that is plain");
+        for (std::size_t before = 0; before < 100; ++before) {
+            for (const std::wstring& start :
+                 {std::wstring(before, L'a'), Repeated(L"中", before), Repeated(L"中文 a", before)}) {
+                ExpectSystemResults(UnicodeToUTF8(start) + text);
+                ExpectSystemResults(UnicodeToUTF8(start) + text + "\xE4\xB8\xAD and more that is plain");
+                ExpectSystemResults(UnicodeToUTF8(start + L"b") + text + UnicodeToUTF8(start + L"tail"));
+            }
         }
     }
 }
@@ -208,13 +224,14 @@ TEST(Encoding, LoneSurrogatesGiveReplacementCharacters)
 {
     EXPECT_EQ(UnicodeToUTF8(L"\xD83D"), "\xEF\xBF\xBD");
     EXPECT_EQ(UnicodeToUTF8(L"a\xDE00z"), "a\xEF\xBF\xBDz");
-    for (std::size_t before = 0; before < 40; ++before) {
-        const std::wstring start(before, L'a');
-        ExpectSystemResults(start + L"\xD83D");
-        ExpectSystemResults(start + L"\xDE00");
-        ExpectSystemResults(start + L"\xDE00\xD83D tail");
-        ExpectSystemResults(start + L"\xD83D\xD83D\xDE00 tail");
-        ExpectSystemResults(start + L"\xD83D\xDE00\xDE00 tail");
+    for (std::size_t before = 0; before < 100; ++before) {
+        for (const std::wstring& start : {std::wstring(before, L'a'), std::wstring(before, L'中')}) {
+            ExpectSystemResults(start + L"\xD83D");
+            ExpectSystemResults(start + L"\xDE00");
+            ExpectSystemResults(start + L"\xDE00\xD83D tail" + start);
+            ExpectSystemResults(start + L"\xD83D\xD83D\xDE00 tail" + start);
+            ExpectSystemResults(start + L"\xD83D\xDE00\xDE00 tail" + start);
+        }
     }
 }
 
@@ -228,17 +245,65 @@ TEST(Encoding, BytePairCutAtTheEndIsConvertedAsTheSystemConvertsIt)
 
 TEST(Encoding, OneForeignCharacterAtEveryPlaceOfEveryLengthUpToABlockAndMore)
 {
-    for (std::size_t length = 1; length <= 50; ++length) {
-        for (std::size_t place = 0; place < length; ++place) {
-            std::wstring text(length, L'k');
-            for (const wchar_t foreign : {L'\x80', L'é', L'中', L'\x8000', L'\xFF41', L'\xFFFF'}) {
-                text[place] = foreign;
+    const std::wstring foreign[] = {L"k",      L"\x80",         L"é",     L"中", L"\x8000", L"\xFF41",
+                                    L"\xFFFF", L"\xD83D\xDE00", L"\xD83D"};
+    for (std::size_t length = 1; length <= 132; length += length < 50 ? 1 : 7) {
+        for (const wchar_t fill : {L'k', L'中'}) {
+            for (std::size_t place = 0; place < length; ++place) {
+                for (const std::wstring& units : foreign) {
+                    std::wstring text(length, fill);
+                    text.replace(place, 1, units);
+                    ExpectSystemResults(text);
+                    ExpectSystemResults(UnicodeToUTF8(text));
+                }
+            }
+        }
+    }
+}
+
+TEST(Encoding, RunsOfEveryLengthTakeTurns)
+{
+    for (std::size_t ascii = 0; ascii < 70; ascii += ascii < 20 ? 1 : 5) {
+        for (std::size_t chinese = 0; chinese < 70; chinese += chinese < 20 ? 1 : 5) {
+            const std::wstring pattern = std::wstring(ascii, L'k') + std::wstring(chinese, L'中') + L'x';
+            for (const std::size_t length : {150U, 167U, 181U}) {
+                const std::wstring text = Repeated(pattern, length);
                 ExpectSystemResults(text);
                 ExpectSystemResults(UnicodeToUTF8(text));
                 ExpectSystemResults(UnicodeToAnsi(text));
             }
         }
     }
+}
+
+TEST(Encoding, EveryLengthIsConvertedWhole)
+{
+    for (const wchar_t* const pattern : {L"k", L"é", L"中", L"\xD83D\xDE00", L"模型 gear_17, 零件 é\xD83D\xDE00; "}) {
+        for (std::size_t length = 0; length <= 300; ++length) {
+            const std::wstring text = Repeated(pattern, length);
+            ExpectSystemResults(text);
+            ExpectSystemResults(UnicodeToUTF8(text));
+            ExpectSystemResults(UnicodeToAnsi(text));
+        }
+    }
+}
+
+TEST(Encoding, ZeroAtEveryPlaceEndsTheText)
+{
+    const std::wstring text = Repeated(L"模型 gear_17, 零件已打开 é\xD83D\xDE00; ", 200);
+    const std::string utf8 = UnicodeToUTF8(text);
+    const std::string ansi = UnicodeToAnsi(text);
+    // What lies behind the zero could not be converted.
+    for (std::size_t place = 0; place < text.size(); ++place)
+        ExpectSystemResults(text.substr(0, place) + L'\0' + L"\xDE00" + text);
+    for (std::size_t place = 0; place < utf8.size(); ++place)
+        ExpectSystemResults(utf8.substr(0, place) + '\0' + "\xFF" + utf8);
+    for (std::size_t place = 0; place < ansi.size(); ++place)
+        ExpectSystemResults(ansi.substr(0, place) + '\0' + "\xFF" + ansi);
+    // Nor is it counted, where the text takes more than one piece.
+    const std::wstring longText = Repeated(text, 3000);
+    EXPECT_EQ(UnicodeToUTF8(longText + L'\0' + longText), UnicodeToUTF8(longText));
+    EXPECT_EQ(UTF8ToUnicode(UnicodeToUTF8(longText) + '\0' + utf8), longText);
 }
 
 TEST(Encoding, LengthsAroundTheInnerBufferAreConvertedWhole)
@@ -410,7 +475,59 @@ void* CountedMalloc(std::size_t size)
     return std::malloc(size);
 }
 
+const test::GuardedBuffer* g_guarded = nullptr;
+void* GuardedMalloc(std::size_t size)
+{
+    return g_guarded->Last(size);
+}
+
+// A copy of the text, the terminator of which is the last thing before memory that nobody may touch. It must be too
+// long for the string object itself.
+template <class Text>
+struct AtPageEnd {
+    AtPageEnd(const Text& from, const test::GuardedBuffer& memory)
+    {
+        g_guarded = &memory;
+        const test::ImportPatch patch(L"libstdc++-6.dll", "malloc", &GuardedMalloc);
+        new (&text) Text(from.data(), from.size());
+    }
+    AtPageEnd(const AtPageEnd&) = delete;
+    AtPageEnd& operator=(const AtPageEnd&) = delete;
+    ~AtPageEnd() {} // the memory goes with the guarded buffer
+
+    union {
+        Text text;
+    };
+};
+
 } // namespace
+
+TEST(Encoding, NothingBehindTheTerminatorIsRead)
+{
+    const test::GuardedBuffer memory(4096);
+    for (const wchar_t* const pattern :
+         {L"k", L"é", L"中", L"\xD83D\xDE00", L"\xD83D", L"中文 gear", L"模型 gear_17, 零件 "}) {
+        for (std::size_t length = 16; length <= 300; ++length) {
+            const std::wstring text = Repeated(pattern, length);
+            const AtPageEnd wide(text, memory);
+            ASSERT_EQ(reinterpret_cast<const char*>(wide.text.c_str() + length + 1), memory.Last(0));
+            EXPECT_EQ(UnicodeToUTF8(wide.text), SystemNarrow(CP_UTF8, text));
+            EXPECT_EQ(UnicodeToAnsi(wide.text), SystemNarrow(CP_ACP, text));
+            for (const std::string& bytes : {UnicodeToUTF8(text), UnicodeToAnsi(text)}) {
+                const AtPageEnd narrow(bytes, memory);
+                ASSERT_EQ(narrow.text.c_str() + bytes.size() + 1, memory.Last(0));
+                EXPECT_EQ(UTF8ToUnicode(narrow.text), SystemWide(CP_UTF8, bytes));
+                EXPECT_EQ(AnsiToUnicode(narrow.text), SystemWide(CP_ACP, bytes));
+                // Cut in the middle of a character, too.
+                const std::string cut = bytes.substr(0, bytes.size() - 1);
+                if (cut.size() > 15) {
+                    const AtPageEnd cutNarrow(cut, memory);
+                    EXPECT_EQ(UTF8ToUnicode(cutNarrow.text), SystemWide(CP_UTF8, cut));
+                }
+            }
+        }
+    }
+}
 
 TEST(Encoding, ShortTextsTakeAtMostOneAllocationBesideTheResult)
 {
