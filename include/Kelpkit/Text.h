@@ -139,7 +139,8 @@ public:
 
     /// Decodes length characters of text to out, which belongs to the caller, followed by a zero byte. Returns the number
     /// of bytes before that. Nothing behind the length is read. out must have room for 3 bytes for each 4 characters
-    /// begun, and one more; nothing behind the zero byte is written. A length of 0 or less gives the zero byte only.
+    /// begun, and one more; nothing behind the zero byte is written. out may be where the text is. A length of 0 or less
+    /// gives the zero byte only.
     KELPKIT_API static int Decode(const char* text, char* out, int length);
 
     /// Decodes text and stores what comes before the first zero byte in out. Returns the number of all bytes decoded,
