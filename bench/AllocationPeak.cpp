@@ -1,24 +1,16 @@
 #include "AllocationPeak.h"
 
-#include "support/ImportPatch.h"
+#include "support/HeapPatch.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <malloc.h>
-#include <memory>
-#include <stdexcept>
-#include <vector>
 
 namespace bench
 {
 namespace
 {
 
-// Not this program's imports, which are patched as well.
-void* (*g_malloc)(std::size_t) = nullptr;
-void* (*g_calloc)(std::size_t, std::size_t) = nullptr;
-void* (*g_realloc)(void*, std::size_t) = nullptr;
-void (*g_free)(void*) = nullptr;
+test::Heap g_heap = {};
 
 std::ptrdiff_t g_held = 0;
 std::ptrdiff_t g_peak = 0;
@@ -37,18 +29,18 @@ void* Counted(void* block)
 
 void* CountedMalloc(std::size_t size)
 {
-    return Counted(g_malloc(size));
+    return Counted(g_heap.malloc(size));
 }
 
 void* CountedCalloc(std::size_t count, std::size_t size)
 {
-    return Counted(g_calloc(count, size));
+    return Counted(g_heap.calloc(count, size));
 }
 
 void* CountedRealloc(void* block, std::size_t size)
 {
     const std::ptrdiff_t before = SizeOf(block);
-    void* const moved = g_realloc(block, size);
+    void* const moved = g_heap.realloc(block, size);
     if (moved != nullptr || size == 0)
         g_held -= before;
     return Counted(moved);
@@ -57,37 +49,14 @@ void* CountedRealloc(void* block, std::size_t size)
 void CountedFree(void* block)
 {
     g_held -= SizeOf(block);
-    g_free(block);
-}
-
-using Patches = std::vector<std::unique_ptr<test::ImportPatch>>;
-
-// Patches the function in every module that imports it.
-template <class Function>
-void Patch(Patches& patches, const char* name, Function* counted, Function*& original)
-{
-    // The last one is this program.
-    constexpr const wchar_t* kModules[] = {L"Kelpkit.dll", L"XMLParser.dll", L"libstdc++-6.dll", nullptr};
-    for (const wchar_t* const module : kModules) {
-        try {
-            patches.push_back(std::make_unique<test::ImportPatch>(module, name, counted));
-            original = patches.back()->Original<Function>();
-        } catch (const std::runtime_error&) {
-            // This one does without.
-            continue;
-        }
-    }
+    g_heap.free(block);
 }
 
 } // namespace
 
 std::size_t AllocationPeak(const std::function<void()>& work)
 {
-    Patches patches;
-    Patch(patches, "malloc", CountedMalloc, g_malloc);
-    Patch(patches, "calloc", CountedCalloc, g_calloc);
-    Patch(patches, "realloc", CountedRealloc, g_realloc);
-    Patch(patches, "free", CountedFree, g_free);
+    const test::HeapPatch patch({CountedMalloc, CountedCalloc, CountedRealloc, CountedFree}, g_heap);
     g_held = 0;
     g_peak = 0;
     work();

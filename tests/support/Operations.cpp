@@ -295,8 +295,7 @@ std::string ShownTree(const std::wstring& folder)
 void MakeSomeTree(const std::wstring& folder)
 {
     DeleteDirectory(Below(folder));
-    MakeTree(Below(folder), {L"source\\", L"source\\gear.txt", L"source\\left out\\", L"source\\left out\\wheel.txt",
-                             L"source\\parts\\", L"source\\parts\\axle.tmp", L"source\\parts\\hub.txt"});
+    MakeTree(Below(folder), {L"source\\", L"source\\gear.txt", L"source\\parts\\", L"source\\parts\\axle.tmp"});
 }
 
 void AddFolders(std::vector<Operation>& rows)
@@ -484,7 +483,7 @@ void AddLog(std::vector<Operation>& rows)
                         CLogMsg::SetLogPath(folder + L"\\log of gears\\run.log");
                         return std::string();
                     },
-                    Operation::kOneThread,
+                    Operation::kOneThread | Operation::kConfiguresLog,
                     WriteLogProperties});
 }
 

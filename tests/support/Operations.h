@@ -3,6 +3,7 @@
 #include "support/ImportPatch.h"
 
 #include <functional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,7 @@ struct Operation {
         kOneThread = 1,     // not to be called by several threads at once
         kStartsProgram = 2, // which FakePrograms spares it
         kPiecemeal = 4,     // what it leaves may be a part where it was cut short
+        kConfiguresLog = 8, // which is log4cplus's doing
     };
 
     // As the lists of exports have them: more than one where they belong together.
@@ -41,6 +43,9 @@ struct Operation {
             prepare(folder);
     }
     std::string Left(const std::wstring& folder) const { return left ? left(folder) : std::string(); }
+
+    // For the messages of tests.
+    friend std::ostream& operator<<(std::ostream& out, const Operation& operation) { return out << operation.names[0]; }
 };
 
 // Each exported operation of Kelpkit.dll and XMLParser.dll, and each of IXMLTree.

@@ -102,6 +102,20 @@ TEST(DescriptorText, ReadsNothingOutsideWhateverStandsThere)
     }
 }
 
+TEST(DescriptorText, MayFillADescriptorOfAnyLength)
+{
+    for (std::size_t length = 0; length <= 300; ++length) {
+        for (const char c : {'g', '4', '\x7F'}) {
+            const std::string text(length, c);
+            const test::GuardedBuffer buffer(length + 2);
+            char* const bytes = buffer.Last(length + 2);
+            bytes[0] = 'x';
+            std::memcpy(bytes + 1, text.c_str(), length + 1);
+            EXPECT_EQ(DescriptorText(bytes, length + 2, 1), DecodeDescriptorText(text)) << length;
+        }
+    }
+}
+
 TEST(DecodeDescriptorText, DecodesHexadecimalDigits)
 {
     const std::pair<const char*, const char*> cases[] = {

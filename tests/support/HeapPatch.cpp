@@ -1,0 +1,36 @@
+#include "support/HeapPatch.h"
+
+#include <stdexcept>
+
+namespace test
+{
+
+HeapPatch::HeapPatch(const Heap& doubles, Heap& original)
+{
+    // From the first patch on, nothing may be allocated before its original is known.
+    constexpr std::size_t kMost = 32;
+    m_patches.reserve(kMost);
+    Patch("malloc", doubles.malloc, original.malloc);
+    Patch("calloc", doubles.calloc, original.calloc);
+    Patch("realloc", doubles.realloc, original.realloc);
+    Patch("free", doubles.free, original.free);
+}
+
+template <class Function>
+void HeapPatch::Patch(const char* name, Function* replacement, Function*& original)
+{
+    // The last one is this program.
+    constexpr const wchar_t* kModules[] = {L"Kelpkit.dll",    L"XMLParser.dll",   L"liblog4cplusU.dll",
+                                           L"log4cplusU.dll", L"libstdc++-6.dll", nullptr};
+    for (const wchar_t* const module : kModules) {
+        try {
+            m_patches.push_back(std::make_unique<ImportPatch>(module, name, replacement));
+            original = m_patches.back()->Original<Function>();
+        } catch (const std::runtime_error&) {
+            // This one does without.
+            continue;
+        }
+    }
+}
+
+} // namespace test
