@@ -174,20 +174,22 @@ void RemoveElement(pugi::xml_node element)
     Remove(element);
 }
 
-pugi::xml_node AppendElement(pugi::xml_node parent, const char* name)
+pugi::xml_node AppendElement(pugi::xml_node parent, const char* name, const char* text)
 {
     const pugi::xml_node end = parent.last_child();
     const bool isIndented = IsIndentation(end);
     const pugi::xml_node first = parent.first_child();
     pugi::xml_node child =
         isIndented ? parent.insert_child_before(pugi::node_element, end) : parent.append_child(pugi::node_element);
-    if (!child.set_name(name)) {
-        parent.remove_child(child);
-        return {};
-    }
-    if (isIndented && IsIndentation(first) && !IsIndentation(child.previous_sibling()))
-        parent.insert_copy_before(first, child);
-    return child;
+    const bool needsLine = isIndented && IsIndentation(first) && !IsIndentation(child.previous_sibling());
+    const pugi::xml_node line = needsLine ? parent.insert_copy_before(first, child) : pugi::xml_node();
+    // Any of these may find no memory. Null nodes do nothing.
+    if (child.set_name(name) && (!needsLine || IsIndentation(line)) &&
+        (*text == '\0' || child.append_child(pugi::node_pcdata).set_value(text)))
+        return child;
+    parent.remove_child(line);
+    Remove(child);
+    return {};
 }
 
 void Write(const pugi::xml_document& document, std::string& text)

@@ -28,9 +28,9 @@ void Remove(pugi::xml_node node);
 // Removes an element, with its line where it stands on one of its own and others are left to take the indentation from.
 void RemoveElement(pugi::xml_node element);
 
-// A new last child element. Where the parent's children stand on lines of their own, so does it. Null if memory runs
-// out.
-pugi::xml_node AppendElement(pugi::xml_node parent, const char* name);
+// A new last child element with a text, which may be empty. Where the parent's children stand on lines of their own, so
+// does it. Null if memory runs out; the parent is then as it was.
+pugi::xml_node AppendElement(pugi::xml_node parent, const char* name, const char* text);
 
 // The document as it stands in a file, in UTF-8.
 void Write(const pugi::xml_document& document, std::string& text);

@@ -108,13 +108,9 @@ bool XMLTree::AddChild(const CString& name, const CString& text)
     if (!IsName(View(name)) || Escape(View(name), canHold) != View(name))
         return false;
     const std::string raw = ToUtf8(Escape(View(text), canHold));
-    pugi::xml_node child = AppendElement(m_current, ToUtf8(View(name)).c_str());
+    const pugi::xml_node child = AppendElement(m_current, ToUtf8(View(name)).c_str(), raw.c_str());
     if (!child)
         return false;
-    if (!raw.empty() && !child.append_child(pugi::node_pcdata).set_value(raw.c_str())) {
-        Remove(child);
-        return false;
-    }
     m_current = child;
     m_last = {};
     return true;

@@ -145,7 +145,8 @@ public:
     /// Takes over the path only: the folder that this object stood for is not deleted, nor is any made.
     KELPKIT_API CAutoCreateFolder& operator=(const CAutoCreateFolder& other);
 
-    /// Deletes the folder, whoever made it. Read-only files stay, and so do files held open, with the folders above.
+    /// Deletes the folder, whoever made it. Read-only files stay, and so do files held open, with the folders above; and
+    /// what is left where memory runs out, which is not told.
     KELPKIT_API ~CAutoCreateFolder();
 
 private:

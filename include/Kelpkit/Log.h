@@ -61,7 +61,8 @@ public:
     /// Makes the log go to logFile, a full path with backslashes: creates its folder, parents included, stores the path
     /// as the property log4cplus.appender.fileAppender.File, and configures log4cplus's default hierarchy from the
     /// property set. May be called again to move the log. Without SetProperties before, no appender is defined and
-    /// nothing is written. Must not run while another thread is in SetProperties or SetLogPath.
+    /// nothing is written. Where memory runs out while log4cplus gives up the appenders before, it ends the process. Must
+    /// not run while another thread is in SetProperties or SetLogPath.
     KELPKIT_API static void SetLogPath(const std::wstring& logFile);
 };
 

@@ -61,14 +61,20 @@ unsigned long CadColor(unsigned index)
     return ColorRef(grey, grey, grey);
 }
 
+std::map<std::wstring, unsigned long> WholeTable()
+{
+    std::map<std::wstring, unsigned long> colors;
+    for (unsigned i = 1; i <= 255; ++i)
+        colors[std::to_wstring(i)] = CadColor(i);
+    return colors;
+}
+
 } // namespace
 
 unsigned long CADColorToREF(const std::wstring& index)
 {
-    if (g_cadColors.empty()) {
-        for (unsigned i = 1; i <= 255; ++i)
-            g_cadColors[std::to_wstring(i)] = CadColor(i);
-    }
+    if (g_cadColors.empty())
+        g_cadColors = WholeTable();
     // By contract a text that is no index becomes a key, too, with the value 0.
     return g_cadColors[index];
 }

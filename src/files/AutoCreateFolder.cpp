@@ -2,6 +2,8 @@
 
 #include "WindowsApi.h"
 
+#include <exception>
+
 namespace KELPKIT
 {
 
@@ -15,7 +17,11 @@ CAutoCreateFolder& CAutoCreateFolder::operator=(const CAutoCreateFolder&) = defa
 
 CAutoCreateFolder::~CAutoCreateFolder()
 {
-    CFileFolderManageTool().ClearFolder(m_strFolderPath);
+    try {
+        CFileFolderManageTool().ClearFolder(m_strFolderPath);
+    } catch (const std::exception&) {
+        // Memory ran out, which a destructor cannot tell. What is left stays.
+    }
 }
 
 } // namespace KELPKIT
