@@ -83,13 +83,13 @@ Result ByPieces(UINT codePage, const Text& text, const Convert& convert, const C
     Char piece[kPieceUnits * (sizeof(Char) == 1 ? kMostBytesPerUnit : 1) + utf8::kLeastRoom];
     Result result;
     const auto* in = text.c_str();
-    for (const auto* const end = in + text.size(); *in != 0;) {
+    for (const auto* const end = in + text.size(); in != end;) {
         const Char* const pieceEnd = convert(in, end, piece, std::end(piece));
         if (pieceEnd == nullptr)
             return BySystem(codePage, text);
         const auto size = static_cast<std::size_t>(pieceEnd - piece);
         if (result.empty()) {
-            if (*in == 0)
+            if (in == end)
                 return {piece, size};
             result.reserve(count(text.data(), text.size()));
         }
@@ -106,7 +106,7 @@ To* CopyAscii(const From*& in, const From* end, To* out, const To* outEnd)
     blocks::CopyPlain(in, end, out, outEnd);
     while (in != end && out != outEnd && *in > 0 && *in < 0x80)
         *out++ = static_cast<To>(*in++);
-    return *in == 0 || out == outEnd ? out : nullptr;
+    return in == end || out == outEnd ? out : nullptr;
 }
 
 } // namespace

@@ -249,7 +249,7 @@ To* Convert(const From*& position, const From* end, To* out, const To* outEnd)
             good = ConvertOne(in, out);
     }
     position = in;
-    return good || *in == 0 ? out : nullptr;
+    return good ? out : nullptr;
 }
 
 } // namespace
@@ -262,7 +262,7 @@ std::size_t DecodedLength(const char* text, std::size_t length)
     const __m128i zero = _mm_setzero_si128();
     __m128i sums = zero;
     std::size_t i = 0;
-    for (; length - i >= 16 && !blocks::HasZero(text + i); i += 16) {
+    for (; length - i >= 16; i += 16) {
         const __m128i bytes = blocks::Load(text + i);
         const __m128i notTrail = _mm_cmpgt_epi8(bytes, lastTrail);
         const __m128i fours = _mm_cmpeq_epi8(_mm_max_epu8(bytes, firstOfFour), bytes);
@@ -270,7 +270,7 @@ std::size_t DecodedLength(const char* text, std::size_t length)
         sums = _mm_add_epi64(sums, _mm_sad_epu8(units, zero));
     }
     std::size_t units = HorizontalSum(sums);
-    for (; i < length && text[i] != 0; ++i) {
+    for (; i < length; ++i) {
         const auto byte = static_cast<unsigned char>(text[i]);
         units += (IsTrail(byte) ? 0U : 1U) + (byte >= 0xF0 ? 1U : 0U);
     }
@@ -287,12 +287,12 @@ std::size_t EncodedLength(const wchar_t* text, std::size_t length)
     const __m128i zero = _mm_setzero_si128();
     __m128i sums = zero;
     std::size_t i = 0;
-    for (; length - i >= 16 && !blocks::HasZero(text + i); i += 16) {
+    for (; length - i >= 16; i += 16) {
         const __m128i less = _mm_add_epi16(BytesLess(blocks::Load(text + i)), BytesLess(blocks::Load(text + i + 8)));
         sums = _mm_add_epi64(sums, _mm_sad_epu8(_mm_add_epi16(_mm_set1_epi16(6), less), zero));
     }
     std::size_t bytes = HorizontalSum(sums);
-    for (; i < length && text[i] != 0; ++i)
+    for (; i < length; ++i)
         bytes += 3U - (text[i] < 0x80 ? 1U : 0U) - (text[i] < 0x800 ? 1U : 0U) - (IsSurrogate(text[i]) ? 1U : 0U);
     return bytes;
 }

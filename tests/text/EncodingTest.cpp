@@ -463,6 +463,35 @@ TEST(EncodingAlias, ConvertAnsiToGBKGivesUtf16)
         EXPECT_EQ(ConvertAnsiToGBK(text), SystemWide(CP_ACP, text));
 }
 
+namespace
+{
+
+int g_systemCalls = 0;
+int WINAPI CountedToWide(UINT, DWORD, const char*, int, wchar_t*, int)
+{
+    return ++g_systemCalls;
+}
+int WINAPI CountedToNarrow(UINT, DWORD, const wchar_t*, int, char*, int, const char*, BOOL*)
+{
+    return ++g_systemCalls;
+}
+
+} // namespace
+
+TEST(Encoding, WellFormedTextTakesNoSystemCall)
+{
+    const test::ImportPatch toWide("MultiByteToWideChar", &CountedToWide);
+    const test::ImportPatch toNarrow("WideCharToMultiByte", &CountedToNarrow);
+    for (const wchar_t* const pattern : {L"k", L"é", L"中", L"\xD83D\xDE00", L"中文 gear", L"模型 gear_17, 零件 é"}) {
+        for (std::size_t length = 0; length <= 3000; length += length < 300 ? 2 : 100) {
+            const std::wstring text = Repeated(pattern, length);
+            EXPECT_EQ(UTF8ToUnicode(UnicodeToUTF8(text)), text);
+        }
+    }
+    EXPECT_EQ(AnsiToUnicode(UnicodeToAnsi(std::wstring(3000, L'k'))), std::wstring(3000, L'k'));
+    EXPECT_EQ(g_systemCalls, 0);
+}
+
 #if defined(__MINGW32__)
 namespace
 {
