@@ -25,6 +25,7 @@
 #include <cstdlib>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace
@@ -73,7 +74,7 @@ struct Row {
 class Programs
 {
 public:
-    explicit Programs(const std::wstring& folder) : m_folder(folder) { s_handles = 0; }
+    explicit Programs(std::wstring folder) : m_folder(std::move(folder)) { s_handles = 0; }
 
     // The handles that are open by contract: of a process and its first thread for each start. And what Wine's own wait
     // leaves.
@@ -149,15 +150,21 @@ void PrintTimes(std::vector<Row> rows)
                     row.operation->names.front().c_str());
 }
 
-bool Soak(int rounds, int programRounds)
+std::vector<Row> RowsWithoutPrograms()
 {
-    const test::TempFolder folder(L"soak");
-    const test::LogToFile log(folder.Path());
     std::vector<Row> rows;
     for (const test::Operation& operation : test::Operations()) {
         if (!operation.Is(test::Operation::kStartsProgram))
             rows.emplace_back(operation);
     }
+    return rows;
+}
+
+bool Soak(int rounds, int programRounds)
+{
+    const test::TempFolder folder(L"soak");
+    const test::LogToFile log(folder.Path());
+    std::vector<Row> rows = RowsWithoutPrograms();
     Programs programs(folder.Path());
     std::printf("soak: %zu operations, %d rounds, %d of them with programs\n", rows.size(), rounds, programRounds);
     std::printf("  %-14s %8s %12s %6s %6s %8s %14s\n", "", "handles", "by contract", "GDI", "USER", "threads",
@@ -182,6 +189,10 @@ bool Soak(int rounds, int programRounds)
             earlyByContract = Programs::Handles();
             Print("after 1 %", early, earlyByContract);
         }
+        if (round % (rounds / 10) == 0 && round != rounds) {
+            const std::string part = "after " + std::to_string(100LL * round / rounds) + " %";
+            Print(part.c_str(), test::CurrentResources(), Programs::Handles());
+        }
     }
     const test::Resources late = test::CurrentResources();
     Print("at the end", late, Programs::Handles());
@@ -195,8 +206,9 @@ bool Soak(int rounds, int programRounds)
 
 int main(int argc, char** argv)
 {
-    const int rounds = argc == 3 ? std::atoi(argv[1]) : 0;
-    const int programRounds = argc == 3 ? std::atoi(argv[2]) : 0;
+    const auto number = [&](int place) { return argc == 3 ? std::strtol(argv[place], nullptr, 10) : 0; };
+    const int rounds = number(1);
+    const int programRounds = number(2);
     // Each operation is to be called in the first hundredth.
     if (rounds < 1000 || programRounds < 1) {
         std::fprintf(stderr, "Soak.exe ROUNDS ROUNDS_WITH_PROGRAMS; 1000 and 1 at least\n");
