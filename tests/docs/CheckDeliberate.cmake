@@ -16,7 +16,7 @@ foreach(report IN LISTS reports)
 endforeach()
 
 set(named 0)
-file(STRINGS "${LEDGER}" rows REGEX "^\\| `")
+file(STRINGS "${LEDGER}" rows REGEX "^\\| `" ENCODING UTF-8)
 foreach(row IN LISTS rows)
   string(REGEX MATCH "\\| [^|]* \\|$" pins "${row}")
   string(REGEX MATCHALL "`[A-Za-z0-9_]+\\.[A-Za-z0-9_]+`" pins "${pins}")
