@@ -56,7 +56,8 @@ std::wstring Tour::Identity(const std::wstring& text) const
 
 void Tour::Section(const std::wstring& title)
 {
-    Print(L"\n" + title);
+    ::Print(L"\n" + title);
+    m_sections.push_back({title, 0, 0, {}});
 }
 
 void Tour::Step(const std::wstring& name, const std::function<Result()>& action)
@@ -64,22 +65,41 @@ void Tour::Step(const std::wstring& name, const std::function<Result()>& action)
     const auto start = std::chrono::steady_clock::now();
     const Result result = action();
     const auto duration = std::chrono::steady_clock::now() - start;
-    Print(L"  " + Padded(name, kNameColumns) + L" " + Padded(result.text, kResultColumns) + L" " +
-          Milliseconds(duration) + (result.right ? L"  ok" : L"  WRONG"));
-    ++m_steps;
-    m_wrong += result.right ? 0 : 1;
+    ::Print(L"  " + Padded(name, kNameColumns) + L" " + Padded(result.text, kResultColumns) + L" " +
+            Milliseconds(duration) + (result.right ? L"  ok" : L"  WRONG"));
+    Tally& section = m_sections.back();
+    ++section.steps;
+    section.wrong += result.right ? 0 : 1;
+    section.duration += duration;
 }
 
 void Tour::Note(const std::wstring& text)
 {
-    Print(L"    " + text);
+    ::Print(L"    " + text);
+}
+
+void Tour::Print(const Tally& tally)
+{
+    std::wstring steps = std::to_wstring(tally.steps) + L" steps";
+    if (tally.wrong != 0)
+        steps += L", " + std::to_wstring(tally.wrong) + L" of them WRONG";
+    ::Print(L"  " + Padded(tally.title, kNameColumns) + L" " + Padded(steps, kResultColumns) + L" " +
+            Milliseconds(tally.duration));
 }
 
 int Tour::Summary() const
 {
-    Print(L"\n" + std::to_wstring(m_steps) + L" steps, " +
-          (m_wrong == 0 ? L"all as they should be." : std::to_wstring(m_wrong) + L" of them WRONG."));
-    return m_wrong;
+    ::Print(L"\nSummary");
+    Tally all = {L"All", 0, 0, {}};
+    for (const Tally& section : m_sections) {
+        Print(section);
+        all.steps += section.steps;
+        all.wrong += section.wrong;
+        all.duration += section.duration;
+    }
+    Print(all);
+    ::Print(all.wrong == 0 ? L"\nAll is as it should be." : L"\nNot all is as it should be.");
+    return all.wrong;
 }
 
 std::wstring LogFile(const Tour& tour)

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <string>
+#include <utility>
+#include <vector>
 
 // Shows steps one to a line, with the result and the time that each took, and keeps count of those that went wrong.
 class Tour
@@ -27,14 +30,24 @@ public:
     // A line of text below a step.
     static void Note(const std::wstring& text);
 
-    // Says how it went; returns the number of steps that went wrong.
+    // Says how each section went, in a table, and all; returns the number of steps that went wrong.
     int Summary() const;
 
 private:
+    using Duration = std::chrono::steady_clock::duration;
+
+    struct Tally {
+        std::wstring title;
+        int steps;
+        int wrong;
+        Duration duration;
+    };
+
+    static void Print(const Tally& tally);
+
     std::wstring m_folder;
     bool m_showsIdentity;
-    int m_steps = 0;
-    int m_wrong = 0;
+    std::vector<Tally> m_sections;
 };
 
 // The sections, one for each family of the library.

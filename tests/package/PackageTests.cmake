@@ -15,18 +15,21 @@ if(CMAKE_CROSSCOMPILING)
   list(APPEND customer_options -DCMAKE_SYSTEM_NAME=Windows "-DCMAKE_RC_COMPILER=${CMAKE_RC_COMPILER}")
 endif()
 
-# kelpkit_add_customer(NAME): builds the project in package/NAME against the installed package.
-function(kelpkit_add_customer name)
+# kelpkit_add_customer(NAME FOLDER): builds the project in the folder against the installed package.
+function(kelpkit_add_customer name folder)
   add_test(NAME package.${name}
-    COMMAND "${CMAKE_CTEST_COMMAND}" --build-and-test "${CMAKE_CURRENT_SOURCE_DIR}/package/${name}" "${work}/${name}"
+    COMMAND "${CMAKE_CTEST_COMMAND}" --build-and-test "${folder}" "${work}/${name}"
       --build-generator "${CMAKE_GENERATOR}" --build-noclean
       --build-options ${customer_options}
   )
   set_tests_properties(package.${name} PROPERTIES FIXTURES_REQUIRED package FIXTURES_SETUP package.${name})
 endfunction()
 
-kelpkit_add_customer(consumer)
-kelpkit_add_customer(headers)
+kelpkit_add_customer(consumer "${CMAKE_CURRENT_SOURCE_DIR}/package/consumer")
+kelpkit_add_customer(headers "${CMAKE_CURRENT_SOURCE_DIR}/package/headers")
+foreach(example converter host palette tour)
+  kelpkit_add_customer(example.${example} "${PROJECT_SOURCE_DIR}/examples/${example}")
+endforeach()
 
 find_program(KELPKIT_PKG_CONFIG NAMES pkgconf pkg-config)
 if(MINGW AND KELPKIT_PKG_CONFIG)
