@@ -56,7 +56,7 @@ void AddGroup(const std::string& group)
 
 } // namespace bench
 
-int main(int argc, char** argv)
+int main(int argc, char** argv) // NOLINT(bugprone-exception-escape): it ends the program, which is right
 {
     using namespace bench;
     benchmark::Initialize(&argc, argv);

@@ -2,7 +2,7 @@
 # Installs and builds what is missing, then repeats every operation in one process and looks at what that holds of the
 # system: handles, GDI and USER objects, threads, private bytes.
 #
-#     soak.sh [ROUNDS [ROUNDS WITH PROGRAMS]]        100000 and 500 unless given; that takes about an hour
+#     soak.sh [ROUNDS [ROUNDS WITH PROGRAMS]]        100000 and 500 unless given; that takes hours
 set -euo pipefail
 
 root=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd)

@@ -49,7 +49,7 @@ unsigned long FromHexByWcstoul(const std::wstring& text)
 
 void RegisterComparisons()
 {
-    const std::wstring& rgb = Keep<std::wstring>(L"18,134,240");
+    const auto& rgb = Keep<std::wstring>(L"18,134,240");
     Comparison("\"R,G,B\" text to colour", "\"18,134,240\"")
         .Kelpkit([&rgb] { return KELPKIT::RGBColorToREF(rgb); })
         .Peer(
@@ -62,13 +62,13 @@ void RegisterComparisons()
             "swprintf", [&color] { return ToRgbBySwprintf(color); }, 0.6)
         .Peer("lexical_cast", [&color] { return ToRgbByLexicalCast(color); });
 
-    const std::wstring& hex = Keep<std::wstring>(L"#1286F0");
+    const auto& hex = Keep<std::wstring>(L"#1286F0");
     Comparison("hexadecimal to colour", "\"#1286F0\"")
         .Kelpkit([&hex] { return KELPKIT::HexColorToREF(hex); })
         .Peer(
             "wcstoul", [&hex] { return FromHexByWcstoul(hex); }, 0.5);
 
-    const std::wstring& index = Keep<std::wstring>(L"127");
+    const auto& index = Keep<std::wstring>(L"127");
     Comparison("CAD colour index to colour", "\"127\"")
         .Kelpkit([&index] { return KELPKIT::CADColorToREF(index); })
         .Peer("wcstol and std::map", [&index] {

@@ -65,7 +65,7 @@ void Register()
     static const log4cplus::Logger logger = log4cplus::Logger::getInstance(L"log");
     static const auto spdLogger = MakeSpdlog();
 
-    const std::wstring& text = Keep<std::wstring>(L"model gear.qmx opened: 1,204 parts, 3 drawings");
+    const auto& text = Keep<std::wstring>(L"model gear.qmx opened: 1,204 parts, 3 drawings");
     const std::string& narrow = Keep(std::string(text.begin(), text.end()));
     Comparison("log line", "\"%m%n\", flushed")
         .Kelpkit([&text] {

@@ -79,10 +79,10 @@ void RegisterBase64()
 {
     Encode("64 B", 64, 0);
     Encode("1 KiB", 1024, 0.13);
-    Encode("1 MiB", 1024 * 1024, 0);
+    Encode("1 MiB", 1 << 20, 0);
     Decode("64 B", 64, 0);
     Decode("1 KiB", 1024, 0.06);
-    Decode("1 MiB", 1024 * 1024, 0.03);
+    Decode("1 MiB", 1 << 20, 0.03);
 
     Growth("Base64 encode, bytes", [](std::size_t size) {
         const std::string& data = Keep(RandomBytes(size));

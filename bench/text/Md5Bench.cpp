@@ -121,11 +121,11 @@ std::string FileByGcrypt(const std::wstring& path)
     const HANDLE file = ::CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
     gcry_md_hd_t md = nullptr;
     ::gcry_md_open(&md, GCRY_MD_MD5, 0);
-    std::vector<char> buffer(64 * 1024);
+    std::vector<char> buffer(64 << 10);
     DWORD count = 0;
     while (::ReadFile(file, buffer.data(), static_cast<DWORD>(buffer.size()), &count, nullptr) && count != 0)
         ::gcry_md_write(md, buffer.data(), count);
-    const std::string digest = Hex(::gcry_md_read(md, GCRY_MD_MD5));
+    std::string digest = Hex(::gcry_md_read(md, GCRY_MD_MD5));
     ::gcry_md_close(md);
     ::CloseHandle(file);
     return digest;
@@ -148,10 +148,10 @@ void RegisterMd5()
 
     Md5("64 B", 64, 1.05);
     Md5("1 KiB", 1024, 0.94);
-    Md5("1 MiB", 1024 * 1024, 0.92);
+    Md5("1 MiB", 1 << 20, 0.92);
 
     static const test::TempFolder folder;
-    const std::wstring& path = Keep(MakeFile(folder / L"64.bin", 64 * 1024 * 1024));
+    const std::wstring& path = Keep(MakeFile(folder / L"64.bin", 64 << 20));
     Comparison("MD5 of a file", "64 MiB")
         .Kelpkit([&path] { return KELPKIT::GetFileMD5(path); })
         .Peer(

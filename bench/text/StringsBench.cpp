@@ -18,7 +18,7 @@ namespace bench
 namespace
 {
 
-constexpr std::size_t kMi = 1024 * 1024;
+constexpr std::size_t kMi = 1 << 20;
 constexpr const char* kBoostReplace = "boost::replace_all";
 
 // A text in which "ab" stands so many times, at even distances.

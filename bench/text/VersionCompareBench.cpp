@@ -15,9 +15,9 @@ namespace bench
 
 void RegisterVersionCompare()
 {
-    const std::wstring& older = Keep<std::wstring>(L"2.10.3");
-    const std::wstring& newer = Keep<std::wstring>(L"2.10.12");
-    Comparison("version comparison", "\"2.10.3\" with \"2.10.12\"")
+    const auto& older = Keep<std::wstring>(L"2.10.3");
+    const auto& newer = Keep<std::wstring>(L"2.10.12");
+    Comparison("version comparison", R"("2.10.3" with "2.10.12")")
         .Kelpkit([&] { return KELPKIT::ALargeB(older, newer); })
         .Peer(
             "StrCmpLogicalW", [&] { return ::StrCmpLogicalW(older.c_str(), newer.c_str()); }, 0.2);

@@ -45,7 +45,7 @@ std::wstring DateText(double date)
 
 void Register()
 {
-    const std::wstring& text = Keep<std::wstring>(L"120/4/6 7:8:9");
+    const auto& text = Keep<std::wstring>(L"120/4/6 7:8:9");
     Comparison("text to time", "\"120/4/6 7:8:9\"")
         .Kelpkit([&text] { return KELPKIT::StringToTime_t(text); })
         .Peer("swscanf and mktime", [&text] { return BySwscanf(text); });
@@ -61,7 +61,7 @@ void Register()
         .Kelpkit([&date] { return KELPKIT::OleDateTimeToString(date); })
         .Peer("VarUdateFromDate and swprintf", [&date] { return DateText(date.m_dt); });
 
-    const std::wstring& written = Keep<std::wstring>(L"2020-05-06 07:08:09");
+    const auto& written = Keep<std::wstring>(L"2020-05-06 07:08:09");
     Comparison("text to date", "\"2020-05-06 07:08:09\"")
         .Kelpkit([&written] { return KELPKIT::StringToOleDateTime(written); })
         .Peer("VarDateFromStr", [&written] {

@@ -30,8 +30,8 @@ std::string Configuration(std::size_t size)
     const auto fill = [&text](std::size_t end) {
         for (int i = 0; text.size() < end; ++i) {
             const std::string number = std::to_string(i);
-            text += "  <part" + number + ">\n    <name>\xE8\x9E\xBA\xE6\xA0\x93 M8x" + number +
-                    "</name>\n    <material grade=\"8.8\">steel</material>\n  </part" + number + ">\n";
+            text.append("  <part").append(number).append(">\n    <name>\xE8\x9E\xBA\xE6\xA0\x93 M8x").append(number);
+            text.append("</name>\n    <material grade=\"8.8\">steel</material>\n  </part").append(number).append(">\n");
         }
     };
     fill(size / 2);
@@ -183,7 +183,7 @@ void Register()
 {
     ::CoInitializeEx(nullptr, COINIT_MULTITHREADED);
     Compare("4 KiB", 4096, 1.05, 1.1);
-    Compare("1 MiB", 1024 * 1024, 0.75, 0.85);
+    Compare("1 MiB", 1 << 20, 0.75, 0.85);
 
     Growth(
         "read one XML value, bytes",
