@@ -3,9 +3,9 @@
 #
 #     check-sources.sh format                  lays them out
 #     check-sources.sh format-check            fails where one is not laid out
-#     check-sources.sh tidy BUILD-FOLDER ARGUMENT ...
-#                                              runs clang-tidy over what the folder's compile commands name; the
-#                                              arguments go to its compiler
+#     check-sources.sh tidy BUILD-FOLDER SOURCES ARGUMENT ...
+#                                              runs clang-tidy over what the build folder's compile commands name of
+#                                              this folder of sources; the arguments go to its compiler
 set -euo pipefail
 
 root=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd)
@@ -18,10 +18,11 @@ format) sources | xargs clang-format -i ;;
 format-check) sources | xargs clang-format --dry-run --Werror ;;
 tidy)
     folder=$2
-    shift 2
+    sources=$(realpath "$3")
+    shift 3
     arguments=()
     for argument in "$@"; do arguments+=("--extra-arg=$argument"); done
-    grep -o '"file": "[^"]*"' "$folder/compile_commands.json" | cut -d'"' -f4 | grep "^$root/" |
+    grep -o '"file": "[^"]*"' "$folder/compile_commands.json" | cut -d'"' -f4 | grep "^$sources/" |
         grep -v "^$root/build/" | grep -v '\.\(rc\|s\)$' | sort -u |
         xargs -P "$(nproc)" -n 1 clang-tidy --quiet -p "$folder" "${arguments[@]}"
     ;;
