@@ -13,4 +13,8 @@ if(CMAKE_HOST_UNIX)
     endif()
   endforeach()
   add_custom_target(tidy COMMAND "${check}" tidy "${PROJECT_BINARY_DIR}" . ${arguments} USES_TERMINAL VERBATIM)
+  # Without tests and benchmarks, which take most of the time.
+  add_custom_target(tidy-library
+    COMMAND "${check}" tidy "${PROJECT_BINARY_DIR}" "src xmlparser mfc examples" ${arguments} USES_TERMINAL VERBATIM
+  )
 endif()

@@ -5,7 +5,7 @@
 #     check-sources.sh format-check            fails where one is not laid out
 #     check-sources.sh tidy BUILD-FOLDER SOURCES ARGUMENT ...
 #                                              runs clang-tidy over what the build folder's compile commands name of
-#                                              this folder of sources; the arguments go to its compiler
+#                                              the SOURCES, folders with blanks between; the arguments go to its compiler
 set -euo pipefail
 
 root=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd)
@@ -18,11 +18,11 @@ format) sources | xargs clang-format -i ;;
 format-check) sources | xargs clang-format --dry-run --Werror ;;
 tidy)
     folder=$2
-    sources=$(realpath "$3")
+    sources=$(for dir in $3; do printf '^%s/\n' "$(realpath "$dir")"; done)
     shift 3
     arguments=()
     for argument in "$@"; do arguments+=("--extra-arg=$argument"); done
-    grep -o '"file": "[^"]*"' "$folder/compile_commands.json" | cut -d'"' -f4 | grep "^$sources/" |
+    grep -o '"file": "[^"]*"' "$folder/compile_commands.json" | cut -d'"' -f4 | grep "$sources" |
         grep -v "^$root/build/" | grep -v '\.\(rc\|s\)$' | sort -u |
         xargs -P "$(nproc)" -n 1 clang-tidy --quiet -p "$folder" "${arguments[@]}"
     ;;

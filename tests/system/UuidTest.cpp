@@ -94,7 +94,7 @@ TEST(GenerateUUID, SeedsAGeneratorInEachCall)
 
 TEST(GenerateUUID, ThrowsWhereTheSystemHasNoRandomNumbers)
 {
-    constexpr NTSTATUS kUnsuccessful = static_cast<NTSTATUS>(0xC0000001);
+    constexpr auto kUnsuccessful = static_cast<NTSTATUS>(0xC0000001);
     // The first exception of all opens what the runtime needs.
     EXPECT_THROW(throw std::runtime_error("first"), std::runtime_error);
     GenerateUUID();
