@@ -115,6 +115,15 @@ std::size_t CountQuanta(std::uint64_t wrong)
     return count;
 }
 
+// Passes over what may stand between quanta; false where nothing does.
+bool SkipBetweenQuanta(std::string_view text, std::size_t& at)
+{
+    const std::size_t start = at;
+    while (at < text.size() && IsSkipped(text[at]))
+        ++at;
+    return at != start;
+}
+
 KELPKIT_AVX2 Progress DecodeAvx2(std::string_view text, char* out)
 {
     const __m256i rowKinds = Twice(RowKinds());
@@ -159,11 +168,8 @@ KELPKIT_AVX2 Progress DecodeAvx2(std::string_view text, char* out)
         for (std::size_t i = 0; i < count; ++i, to += 3)
             std::memcpy(to, piece + 3 * i, 3);
         done += 4 * count;
-        if (done == text.size() || !IsSkipped(text[done]))
+        if (!SkipBetweenQuanta(text, done))
             break;
-        do
-            ++done;
-        while (done < text.size() && IsSkipped(text[done]));
     }
     return {done, static_cast<std::size_t>(to - out)};
 }
@@ -247,11 +253,8 @@ KELPKIT_AVX512 Progress DecodeAvx512(std::string_view text, char* out)
         _mm512_mask_storeu_epi8(to, (std::uint64_t{1} << 3 * count) - 1, bytes);
         to += 3 * count;
         done += 4 * count;
-        if (done == text.size() || !IsSkipped(text[done]))
+        if (!SkipBetweenQuanta(text, done))
             break;
-        do
-            ++done;
-        while (done < text.size() && IsSkipped(text[done]));
     }
     return {done, static_cast<std::size_t>(to - out)};
 }
