@@ -22,7 +22,8 @@ case $code_page in
     ;;
 esac
 WINEPREFIX=$root/build/wine/$code_page
-WINEDEBUG=${WINEDEBUG:--all}
+# Silent, save where Wine finds no room for itself in memory.
+WINEDEBUG=${WINEDEBUG:--all,err+virtual}
 # No browser and no .NET engine.
 WINEDLLOVERRIDES='mscoree,mshtml='
 export LC_ALL WINEPREFIX WINEDEBUG WINEDLLOVERRIDES
@@ -30,6 +31,9 @@ export LC_ALL WINEPREFIX WINEDEBUG WINEDLLOVERRIDES
 # Debian's wine command looks for 32-bit support first and complains where there is none.
 wine=/usr/lib/wine/wine64
 [ -x "$wine" ] || wine=$(command -v wine64 || command -v wine)
+# Wine needs certain addresses. Where Linux puts the heap at random, it takes them from Wine once in some thousand
+# starts, and the program ends before it begins. A container may forbid the setting; its programs start without it.
+! setarch --addr-no-randomize true 2>/dev/null || wine="setarch --addr-no-randomize $wine"
 
 require_prefix() {
     [ ! -e "$WINEPREFIX/ready" ] || return 0
@@ -40,10 +44,10 @@ require_prefix() {
 make_prefix() {
     rm -rf "$WINEPREFIX"
     mkdir -p "$WINEPREFIX"
-    "$wine" wineboot --init
+    $wine wineboot --init
     # A program that crashes ends, rather than wait for somebody at a debugger: there is none of this name.
-    "$wine" reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' /v Debugger /d none /f
-    "$wine" reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' /v Auto /d 1 /f
+    $wine reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' /v Debugger /d none /f
+    $wine reg add 'HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug' /v Auto /d 1 /f
     wineserver --wait
     # Programs start on drive C:, inside the prefix: drive Z: is the root of the machine, and a test that deletes must
     # not stand on it.
@@ -62,14 +66,14 @@ run() {
         export GTEST_OUTPUT
     fi
     cd "$WINEPREFIX/drive_c/work"
-    exec "$wine" "$program" "$@"
+    exec $wine "$program" "$@"
 }
 
 # Wine's own services outlive the program that starts them, so they must not hold its output open.
 start() {
     exec </dev/null >/dev/null 2>&1
     wineserver --persistent || true # it may run already
-    "$wine" cmd /c exit
+    $wine cmd /c exit
 }
 
 command=$1
