@@ -23,7 +23,9 @@ if(MINGW)
   configure_file(cmake/kelpkit.pc.in kelpkit.pc @ONLY)
   install(FILES "${PROJECT_BINARY_DIR}/kelpkit.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
   install(FILES ${KELPKIT_RUNTIME_DLLS} TYPE BIN)
-  install(FILES $<TARGET_FILE:Kelpkit>.debug $<TARGET_FILE:XMLParser>.debug DESTINATION symbols)
+  install(FILES $<TARGET_FILE:Kelpkit>.debug $<TARGET_FILE:XMLParser>.debug
+    DESTINATION symbols COMPONENT symbols
+  )
 
   # log4cplus for those who attach appenders: its headers, import library and package.
   cmake_path(GET log4cplus_DIR PARENT_PATH log4cplus_prefix)
@@ -41,11 +43,18 @@ if(MINGW)
   install(FILES /usr/share/doc/mingw-w64-x86-64-dev/copyright DESTINATION "${licenses_dir}/mingw-w64-runtime")
 else()
   install(FILES $<TARGET_RUNTIME_DLLS:Kelpkit> TYPE BIN)
-  install(FILES $<TARGET_PDB_FILE:Kelpkit> $<TARGET_PDB_FILE:XMLParser> DESTINATION symbols OPTIONAL)
+  install(FILES $<TARGET_PDB_FILE:Kelpkit> $<TARGET_PDB_FILE:XMLParser>
+    DESTINATION symbols COMPONENT symbols OPTIONAL
+  )
 endif()
 
 set(CPACK_GENERATOR ZIP)
 set(CPACK_PACKAGE_VENDOR Kelpkit)
-set(CPACK_PACKAGE_FILE_NAME "Kelpkit-${PROJECT_VERSION}-win64")
 set(CPACK_PACKAGE_DIRECTORY "${PROJECT_BINARY_DIR}/package")
+# Symbols in an archive of their own: they are kept, not shipped.
+set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENT_INCLUDE_TOPLEVEL_DIRECTORY ON)
+set(CPACK_PACKAGE_FILE_NAME "Kelpkit-${PROJECT_VERSION}-win64")
+set(CPACK_ARCHIVE_UNSPECIFIED_FILE_NAME "${CPACK_PACKAGE_FILE_NAME}")
+set(CPACK_ARCHIVE_SYMBOLS_FILE_NAME "${CPACK_PACKAGE_FILE_NAME}-symbols")
 include(CPack)

@@ -9,6 +9,13 @@ add_test(NAME package.install
 )
 set_tests_properties(package.install PROPERTIES FIXTURES_SETUP package)
 
+add_test(NAME package.archives
+  COMMAND "${CMAKE_COMMAND}" "-DCPACK=${CMAKE_CPACK_COMMAND}" "-DBUILD=${PROJECT_BINARY_DIR}" -DCONFIG=$<CONFIG>
+    "-DSTAGE=${stage}" "-DNAME=Kelpkit-${PROJECT_VERSION}-win64" "-DWORK=${work}/archives"
+    -P "${CMAKE_CURRENT_SOURCE_DIR}/package/CheckArchives.cmake"
+)
+set_tests_properties(package.archives PROPERTIES FIXTURES_REQUIRED package)
+
 # A customer's own settings for the toolchain, not this project's.
 set(customer_options "-DCMAKE_PREFIX_PATH=${stage}" -DCMAKE_BUILD_TYPE=$<CONFIG> "-DCMAKE_CXX_COMPILER=${CMAKE_CXX_COMPILER}")
 if(CMAKE_CROSSCOMPILING)
