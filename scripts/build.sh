@@ -8,10 +8,10 @@ preset=${1:-mingw-release}
 log=$root/build/logs/build-$preset.log
 mkdir -p "$root/build/logs"
 
+# shellcheck source=scripts/steps.bash
+. "$root/scripts/steps.bash"
+
 cd "$root"
-echo "build: $preset (a minute or two the first time)"
-if ! { cmake --preset "$preset" "$@" && cmake --build --preset "$preset"; } >"$log" 2>&1; then
-    tail -n 40 "$log" >&2
-    echo "build: failed; the whole log is in $log" >&2
-    exit 1
-fi
+echo "build: $preset (some minutes the first time)"
+run_step build "$log" cmake --preset "$preset" "$@"
+run_step build "$log" cmake --build --preset "$preset"

@@ -11,25 +11,29 @@ root=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd)
 deps=$root/build/deps
 logs=$root/build/logs
 code_pages='936:zh_CN.UTF-8 1252:en_US.UTF-8'
-packages='binutils-mingw-w64-x86-64 cmake g++-mingw-w64-x86-64-posix googletest libboost-dev locales
-    ninja-build patch pkgconf wine wine64 xauth xvfb'
-: "${KELPKIT_EXTRA_PACKAGES:=}"
+# What for, and which packages.
+packages='to build for 64-bit Windows: binutils-mingw-w64-x86-64 cmake g++-mingw-w64-x86-64-posix ninja-build
+to run what was built: wine wine64
+a screen for its windows: xauth xvfb
+locales, from which Wine takes its code page: locales
+libraries that Kelpkit uses: libboost-dev patch
+to test: googletest pkgconf'
 benchmarks=${1:-}
 if [ "$benchmarks" = bench ]; then
-    packages="$packages libfmt-dev libgcrypt-mingw-w64-dev libspdlog-dev"
+    packages+=$'\n''libraries to compare with: libfmt-dev libgcrypt-mingw-w64-dev libspdlog-dev'
 fi
+if [ -n "${KELPKIT_EXTRA_PACKAGES:-}" ]; then
+    packages+=$'\n'"for the script that was started: $KELPKIT_EXTRA_PACKAGES"
+fi
+# shellcheck source=scripts/steps.bash
+. "$root/scripts/steps.bash"
 
 say() { printf 'setup: %s\n' "$*"; }
 
-# Runs a long step with its output in a log; shows the end of the log if the step fails.
 step() {
     local name=$1
     shift
-    if ! "$@" >"$logs/$name.log" 2>&1; then
-        tail -n 20 "$logs/$name.log" >&2
-        say "failed; the whole log is in $logs/$name.log" >&2
-        exit 1
-    fi
+    run_step setup "$logs/$name.log" "$@"
 }
 
 as_root() {
@@ -57,17 +61,29 @@ END
     exit 1
 }
 
-install_packages() {
-    local missing= package state
-    for package in $packages $KELPKIT_EXTRA_PACKAGES; do
+# Those of its arguments that are not installed.
+missing_packages() {
+    local package state
+    for package in "$@"; do
         state=$(dpkg-query -W -f '${Status}' "$package" 2>/dev/null || true)
-        [ "$state" = 'install ok installed' ] || missing="$missing $package"
+        [ "$state" = 'install ok installed' ] || printf '%s ' "$package"
     done
-    [ -n "$missing" ] || return 0
-    say "installing Debian packages (a few minutes the first time):$missing"
+}
+
+install_packages() {
+    local what names missing all=
+    while IFS=: read -r what names; do
+        # shellcheck disable=SC2086 # the list is meant to be split
+        missing=$(missing_packages $names)
+        [ -n "$missing" ] || continue
+        [ -n "$all" ] || say "installing Debian packages (a few minutes the first time)"
+        say "  $what: $missing"
+        all="$all $missing"
+    done <<<"$packages"
+    [ -n "$all" ] || return 0
     step apt-update as_root apt-get update
     # shellcheck disable=SC2086 # the list is meant to be split
-    step apt-install as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends $missing
+    step apt-install as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends $all
 }
 
 generate_locales() {
@@ -114,7 +130,7 @@ unpack_source() {
 build_dependency() {
     local name=$1 source=$2
     shift 2
-    say "building $name for mingw (half a minute)"
+    say "building $name for mingw, which Debian does not offer (half a minute)"
     rm -rf "$deps/src/build-$name"
     step "configure-$name" cmake -S "$source" -B "$deps/src/build-$name" -G Ninja \
         "-DCMAKE_TOOLCHAIN_FILE=$root/cmake/mingw-w64-x86_64.cmake" -DCMAKE_BUILD_TYPE=Release \
