@@ -22,6 +22,6 @@ show_progress() {
     local who=$1 log=$2 start=$SECONDS
     # A sleep that outlives its script must not hold its output open.
     while sleep 15 >/dev/null 2>&1 && kill -0 $$ 2>/dev/null; do
-        echo "$who:   $((SECONDS - start)) s: $(tail -c 400 "$log" | tr '\r' '\n' | tail -n 1 | cut -c 1-100)"
+        echo "$who:   $((SECONDS - start)) s: $(tail -c 400 "$log" | tr -s '\r' '\n' | tail -n 1 | cut -c 1-100)"
     done
 }
