@@ -130,7 +130,7 @@ unpack_source() {
 build_dependency() {
     local name=$1 source=$2
     shift 2
-    say "building $name for mingw, which Debian does not offer (half a minute)"
+    say "building $name for mingw, which Debian does not offer (a minute)"
     rm -rf "$deps/src/build-$name"
     step "configure-$name" cmake -S "$source" -B "$deps/src/build-$name" -G Ninja \
         "-DCMAKE_TOOLCHAIN_FILE=$root/cmake/mingw-w64-x86_64.cmake" -DCMAKE_BUILD_TYPE=Release \
