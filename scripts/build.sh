@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Configures and builds everything: build.sh [PRESET [CMAKE ARGUMENT ...]], mingw-release if none is named.
+# Configures and builds everything: build.sh [PRESET [CMAKE ARGUMENT ...]], mingw-release if none is named. With a target
+# in KELPKIT_TARGET, only that.
 set -euo pipefail
 
 root=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd)
@@ -14,4 +15,4 @@ mkdir -p "$root/build/logs"
 cd "$root"
 echo "build: $preset (some minutes the first time)"
 run_step build "$log" cmake --preset "$preset" "$@"
-run_step build "$log" cmake --build --preset "$preset"
+run_step build "$log" cmake --build --preset "$preset" --target "${KELPKIT_TARGET:-all}"

@@ -6,7 +6,7 @@ set -euo pipefail
 root=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd)
 folder=$root/build/demo
 "$root/scripts/setup.sh"
-"$root/scripts/build.sh"
+KELPKIT_TARGET=tour "$root/scripts/build.sh"
 
 # The files of an earlier demonstration would count as found.
 rm -rf "$folder"

@@ -20,7 +20,7 @@ count() { cat "$results"/*.xml 2>/dev/null | grep -c "$1" || true; }
 ran=$(count '<testcase .*result="completed"')
 skipped=$(count '<testcase .*result="skipped"')
 failed=$(cat "$results"/*.xml 2>/dev/null | awk -F'"' '/^<testsuites / { sum += $4 } END { print sum + 0 }' || true)
-summary="$((ran - failed)) passed, $failed failed, $skipped skipped, since they need the other code page"
+summary="$((ran - failed)) passed, $failed failed, $skipped skipped (these need the other code page)"
 if [ "$status" -ne 0 ]; then
     echo "test: the whole log is in $root/build/mingw-release/Testing/Temporary/LastTest.log"
     echo "test: FAILED, see above for what: $summary"
