@@ -46,16 +46,10 @@ Pieces Split(const std::wstring& source, const std::wstring& delimiters)
 Pieces Tokens(std::wstring source, const std::wstring& delimiters)
 {
     Pieces tokens;
-#if defined(__MINGW32__)
-    for (wchar_t* token = std::wcstok(source.data(), delimiters.c_str()); token != nullptr;
-         token = std::wcstok(nullptr, delimiters.c_str()))
-        tokens.emplace_back(token);
-#else
     wchar_t* state = nullptr;
-    for (wchar_t* token = std::wcstok(source.data(), delimiters.c_str(), &state); token != nullptr;
-         token = std::wcstok(nullptr, delimiters.c_str(), &state))
+    for (wchar_t* token = ::wcstok_s(source.data(), delimiters.c_str(), &state); token != nullptr;
+         token = ::wcstok_s(nullptr, delimiters.c_str(), &state))
         tokens.emplace_back(token);
-#endif
     return tokens;
 }
 
