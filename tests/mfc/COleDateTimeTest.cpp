@@ -1,8 +1,8 @@
+#include <Kelpkit/Mfc.h> // first: MFC stands no windows.h before it
+
 #include "support/Calendar.h"
 #include "support/CodePage.h"
 #include "support/TimeZone.h"
-
-#include <Kelpkit/Mfc.h>
 
 #include <gtest/gtest.h>
 

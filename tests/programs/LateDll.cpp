@@ -4,9 +4,9 @@
 //
 // The exit code is 0 if that is so, 1 if the DLL was there before, 2 if it is not there after a call that needs it.
 
-#include "support/ImportPatch.h"
+#include <Kelpkit/Kelpkit.h> // first: MFC stands no windows.h before it
 
-#include <Kelpkit/Kelpkit.h>
+#include "support/ImportPatch.h"
 
 #include <windows.h>
 

@@ -1,13 +1,13 @@
+#include <Kelpkit/DateTime.h> // first: MFC stands no windows.h before it
+#include <Kelpkit/Files.h>
+#include <Kelpkit/SystemInfo.h>
+
 #include "support/ImportPatch.h"
 
 #include "support/DeletionGuard.h"
 #include "support/FileContents.h"
 #include "support/LastError.h"
 #include "support/TempFolder.h"
-
-#include <Kelpkit/DateTime.h>
-#include <Kelpkit/Files.h>
-#include <Kelpkit/SystemInfo.h>
 
 #include <gtest/gtest.h>
 

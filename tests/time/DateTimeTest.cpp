@@ -1,11 +1,11 @@
+#include <Kelpkit/DateTime.h> // first: MFC stands no windows.h before it
+
 #include "support/Calendar.h"
 #include "support/CodePage.h"
 #include "support/ImportPatch.h"
 #include "support/Random.h"
 #include "support/Threads.h"
 #include "support/TimeZone.h"
-
-#include <Kelpkit/DateTime.h>
 
 #include <gtest/gtest.h>
 
