@@ -1,4 +1,5 @@
-# Targets that look at the sources only: format lays them out, format-check and tidy fail where something is to be said.
+# Targets that look at the sources only: format lays them out; format-check, tidy and msvc-syntax fail where something
+# is to be said.
 
 if(CMAKE_HOST_UNIX)
   set(check "${PROJECT_SOURCE_DIR}/cmake/check-sources.sh")
@@ -16,5 +17,9 @@ if(CMAKE_HOST_UNIX)
   # Without tests and benchmarks, which take most of the time.
   add_custom_target(tidy-library
     COMMAND "${check}" tidy "${PROJECT_BINARY_DIR}" "src xmlparser mfc examples" ${arguments} USES_TERMINAL VERBATIM
+  )
+  # Finds what only GCC takes, as far as clang tells it.
+  add_custom_target(msvc-syntax
+    COMMAND "${check}" msvc-syntax "${PROJECT_BINARY_DIR}" ${arguments} USES_TERMINAL VERBATIM
   )
 endif()

@@ -1,0 +1,1 @@
+// COleDateTime is in the stand-in for afxwin.h.
