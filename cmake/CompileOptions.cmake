@@ -3,9 +3,12 @@
 add_library(KelpkitCompileOptions INTERFACE)
 target_compile_definitions(KelpkitCompileOptions INTERFACE UNICODE _UNICODE _WIN32_WINNT=0x0601)
 if(MSVC)
-  # The old name resolution is the one that is meant.
-  target_compile_definitions(KelpkitCompileOptions INTERFACE _WINSOCK_DEPRECATED_NO_WARNINGS)
-  target_compile_options(KelpkitCompileOptions INTERFACE /W4 /WX /utf-8 /permissive- /EHsc)
+  # MFC includes windows.h, whose min and max are macros otherwise. The C library's and Winsock's old functions are the
+  # ones that are meant, and a cast says itself that it cuts a constant.
+  target_compile_definitions(KelpkitCompileOptions INTERFACE
+    NOMINMAX _CRT_SECURE_NO_WARNINGS _WINSOCK_DEPRECATED_NO_WARNINGS
+  )
+  target_compile_options(KelpkitCompileOptions INTERFACE /W4 /WX /wd4310 /utf-8 /permissive- /EHsc)
 else()
   target_compile_options(KelpkitCompileOptions INTERFACE
     -Wall -Wextra -Werror -Wpedantic -Wcast-qual -Wconversion -Wduplicated-cond -Wextra-semi -Wlogical-op
