@@ -57,7 +57,7 @@ public:
     // the one given, or that up to the first zero.
     wchar_t* GetBuffer(int minLength = 0)
     {
-        m_text.resize(std::max(m_text.size(), Count(minLength)));
+        m_text.resize((std::max)(m_text.size(), Count(minLength)));
         return m_text.data();
     }
     void ReleaseBuffer(int length = -1) { m_text.resize(length < 0 ? std::wcslen(m_text.c_str()) : Count(length)); }
@@ -65,7 +65,10 @@ public:
     CString Left(int count) const { return Part(0, Count(count)); }
     CString Mid(int first) const { return Part(Count(first), m_text.npos); }
     CString Mid(int first, int count) const { return Part(Count(first), Count(count)); }
-    CString Right(int count) const { return Part(m_text.size() - std::min(Count(count), m_text.size()), m_text.npos); }
+    CString Right(int count) const
+    {
+        return Part(m_text.size() - (std::min)(Count(count), m_text.size()), m_text.npos);
+    }
 
     // The position, or -1 where nothing is found.
     int Find(wchar_t c, int start = 0) const { return Position(m_text.find(c, Count(start))); }
@@ -119,14 +122,14 @@ public:
 private:
     static constexpr const wchar_t* kWhiteSpace = L" \t\n\v\f\r";
 
-    static std::size_t Count(int number) { return static_cast<std::size_t>(std::max(number, 0)); }
+    static std::size_t Count(int number) { return static_cast<std::size_t>((std::max)(number, 0)); }
     static int Position(std::size_t found) { return found == std::wstring::npos ? -1 : static_cast<int>(found); }
 
     bool Holds(int index) const { return index >= 0 && index < GetLength(); }
     CString Part(std::size_t first, std::size_t count) const
     {
         CString part;
-        part.m_text = m_text.substr(std::min(first, m_text.size()), count);
+        part.m_text = m_text.substr((std::min)(first, m_text.size()), count);
         return part;
     }
 
