@@ -42,7 +42,7 @@ if(MINGW)
   install(FILES /usr/share/doc/gcc-mingw-w64-x86-64-posix-runtime/copyright DESTINATION "${licenses_dir}/gcc-runtime")
   install(FILES /usr/share/doc/mingw-w64-x86-64-dev/copyright DESTINATION "${licenses_dir}/mingw-w64-runtime")
 else()
-  install(FILES $<TARGET_RUNTIME_DLLS:Kelpkit> TYPE BIN)
+  install(FILES $<TARGET_RUNTIME_DLLS:Kelpkit> $<TARGET_RUNTIME_DLLS:XMLParser> TYPE BIN)
   install(FILES $<TARGET_PDB_FILE:Kelpkit> $<TARGET_PDB_FILE:XMLParser>
     DESTINATION symbols COMPONENT symbols OPTIONAL
   )
