@@ -21,6 +21,10 @@ set(customer_options "-DCMAKE_PREFIX_PATH=${stage}" -DCMAKE_BUILD_TYPE=$<CONFIG>
 if(CMAKE_CROSSCOMPILING)
   list(APPEND customer_options -DCMAKE_SYSTEM_NAME=Windows "-DCMAKE_RC_COMPILER=${CMAKE_RC_COMPILER}")
 endif()
+if(NOT MINGW)
+  # The package does not bring it.
+  list(APPEND customer_options "-Dlog4cplus_DIR=${log4cplus_DIR}")
+endif()
 
 # kelpkit_add_customer(NAME FOLDER): builds the project in the folder against the installed package.
 function(kelpkit_add_customer name folder)
