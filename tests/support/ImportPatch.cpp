@@ -48,16 +48,26 @@ const ImgDelayDescr* FirstDelayedDll(HMODULE module)
     return nullptr;
 }
 
+// Whether the import from the DLL is the function. Visual Studio imports from some DLLs, such as oleaut32, by number.
+bool Is(const IMAGE_THUNK_DATA& import, HMODULE module, const char* dll, const char* name)
+{
+    if (!IMAGE_SNAP_BY_ORDINAL(import.u1.Ordinal)) {
+        const auto* const byName = At<IMAGE_IMPORT_BY_NAME>(module, import.u1.AddressOfData);
+        return std::strcmp(reinterpret_cast<const char*>(byName->Name), name) == 0;
+    }
+    const HMODULE exporter = ::LoadLibraryA(dll);
+    const FARPROC function = ::GetProcAddress(exporter, name);
+    return function != nullptr &&
+           function == ::GetProcAddress(exporter, MAKEINTRESOURCEA(IMAGE_ORDINAL(import.u1.Ordinal)));
+}
+
 // The slot of the function among those of one DLL, given by the tables of its names and slots; null if it is not there.
-void** SlotOf(HMODULE module, const char* name, DWORD nameTable, DWORD slotTable)
+void** SlotOf(HMODULE module, const char* dll, const char* name, DWORD nameTable, DWORD slotTable)
 {
     const auto* names = At<IMAGE_THUNK_DATA>(module, nameTable);
     auto* slots = At<void*>(module, slotTable);
     for (; names->u1.AddressOfData != 0; ++names, ++slots) {
-        if (IMAGE_SNAP_BY_ORDINAL(names->u1.Ordinal))
-            continue;
-        const auto* const import = At<IMAGE_IMPORT_BY_NAME>(module, names->u1.AddressOfData);
-        if (std::strcmp(reinterpret_cast<const char*>(import->Name), name) == 0)
+        if (Is(*names, module, dll, name))
             return slots;
     }
     return nullptr;
@@ -88,12 +98,14 @@ void** ImportPatch::FindSlot(const wchar_t* moduleName, const char* name)
     if (module == nullptr)
         throw std::runtime_error("the module to patch is not loaded");
     for (auto dll = FirstImportedDll(module); dll->Name != 0; ++dll) {
-        if (void** const slot = SlotOf(module, name, dll->OriginalFirstThunk, dll->FirstThunk))
+        const char* const dllName = At<const char>(module, dll->Name);
+        if (void** const slot = SlotOf(module, dllName, name, dll->OriginalFirstThunk, dll->FirstThunk))
             return slot;
     }
     for (auto dll = FirstDelayedDll(module); dll != nullptr && dll->rvaDLLName != 0; ++dll) {
-        if (void** const slot = SlotOf(module, name, dll->rvaINT, dll->rvaIAT)) {
-            Resolve(module, slot, At<const char>(module, dll->rvaDLLName), name);
+        const char* const dllName = At<const char>(module, dll->rvaDLLName);
+        if (void** const slot = SlotOf(module, dllName, name, dll->rvaINT, dll->rvaIAT)) {
+            Resolve(module, slot, dllName, name);
             return slot;
         }
     }
