@@ -158,14 +158,14 @@ std::wstring ConvertGBKToUnicode(const std::wstring& text)
     return text;
 }
 
-// One function under two names. Visual Studio's linker folds the two; for GCC the second is declared an alias.
+// One function under two names. Visual Studio's linker folds equal ones; for GCC the second is declared an alias.
 #if defined(__GNUC__)
 std::wstring ConvertUnicodeToGBK(const std::wstring& text)
     __attribute__((alias("_ZN7KELPKIT19ConvertGBKToUnicodeERKNSt7__cxx1112basic_stringIwSt11char_traitsIwESaIwEEE")));
 #else
 std::wstring ConvertUnicodeToGBK(const std::wstring& text)
 {
-    return ConvertGBKToUnicode(text);
+    return text;
 }
 #endif
 
