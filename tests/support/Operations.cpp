@@ -25,12 +25,13 @@ namespace
 {
 
 // Some exported operations are private members. An explicit instantiation may name them.
-template <class Tag, auto member>
+template <class Tag, typename Tag::Member member>
 struct Expose {
-    friend auto Exposed(Tag /*unused*/) { return member; }
+    friend typename Tag::Member Exposed(Tag /*unused*/) { return member; }
 };
 struct CopyNeedFileTag {
-    friend auto Exposed(CopyNeedFileTag);
+    using Member = int (CFileFolderManageTool::*)(const std::wstring&, const std::wstring&);
+    friend Member Exposed(CopyNeedFileTag);
 };
 template struct Expose<CopyNeedFileTag, &CFileFolderManageTool::CopyNeedFile>;
 
