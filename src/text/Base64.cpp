@@ -1,6 +1,7 @@
 #include "Kelpkit/Text.h"
 
 #include "text/Base64Codec.h"
+#include "text/Processor.h"
 
 #include <algorithm>
 #include <cstring>
@@ -14,9 +15,9 @@ namespace
 
 const base64::Blocks& FastestBlocks()
 {
-    if (base64::HasAvx512())
+    if (processor::HasAvx512())
         return base64::kAvx512Blocks;
-    return base64::HasAvx2() ? base64::kAvx2Blocks : base64::kNoBlocks;
+    return processor::HasAvx2() ? base64::kAvx2Blocks : base64::kNoBlocks;
 }
 
 const base64::Blocks& g_blocks = FastestBlocks();

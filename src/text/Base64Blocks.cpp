@@ -1,38 +1,16 @@
 #include "text/Base64Codec.h"
 #include "text/Blocks.h"
+#include "text/Processor.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <immintrin.h>
 
-#if defined(_MSC_VER)
-#include <intrin.h>
-#define KELPKIT_AVX2
-#define KELPKIT_AVX512
-#else
-#define KELPKIT_AVX2 __attribute__((target("avx2")))
-#define KELPKIT_AVX512 __attribute__((target("avx512bw")))
-#endif
-
 namespace KELPKIT::base64
 {
 namespace
 {
-
-#if defined(_MSC_VER)
-// Whether the system saves the registers of this mask of XCR0, and the processor has these features of leaf 7.
-bool HasRegisters(unsigned long long registers, unsigned features)
-{
-    int basic[4];
-    int extended[4];
-    __cpuid(basic, 1);
-    __cpuidex(extended, 7, 0);
-    const bool mayAsk = (basic[2] & 1 << 27) != 0;
-    return mayAsk && (_xgetbv(0) & registers) == registers &&
-           (static_cast<unsigned>(extended[1]) & features) == features;
-}
-#endif
 
 // The tables are for 16 bytes of a register each; shuffles look up in each 16 on their own.
 
@@ -263,25 +241,5 @@ KELPKIT_AVX512 Progress DecodeAvx512(std::string_view text, char* out)
 
 const Blocks kAvx2Blocks = {EncodeAvx2, DecodeAvx2};
 const Blocks kAvx512Blocks = {EncodeAvx512, DecodeAvx512};
-
-bool HasAvx2()
-{
-#if defined(_MSC_VER)
-    return HasRegisters(0x06, 1U << 5);
-#else
-    __builtin_cpu_init();
-    return __builtin_cpu_supports("avx2") != 0;
-#endif
-}
-
-bool HasAvx512()
-{
-#if defined(_MSC_VER)
-    return HasRegisters(0xE6, 1U << 16 | 1U << 30);
-#else
-    __builtin_cpu_init();
-    return __builtin_cpu_supports("avx512bw") != 0;
-#endif
-}
 
 } // namespace KELPKIT::base64

@@ -25,12 +25,6 @@ extern const Blocks kNoBlocks;
 extern const Blocks kAvx2Blocks;
 extern const Blocks kAvx512Blocks;
 
-// Whether processor and system know AVX2: 256-bit registers for integers.
-bool HasAvx2();
-
-// Whether they know AVX-512 with BW: 512-bit registers for bytes, any of which may be left out.
-bool HasAvx512();
-
 // Encodes data to out, which has "=" in each of its EncodedSize places.
 void Encode(const Blocks& blocks, std::string_view data, char* out);
 

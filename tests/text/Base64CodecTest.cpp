@@ -1,6 +1,7 @@
 #include "text/Base64Codec.h"
 #include "support/GuardedBuffer.h"
 #include "text/Base64Model.h"
+#include "text/Processor.h"
 
 #include <gtest/gtest.h>
 
@@ -29,8 +30,8 @@ std::ostream& operator<<(std::ostream& stream, const Way& way)
 
 const Way kWays[] = {
     {"None", base64::kNoBlocks, [] { return true; }},
-    {"Avx2", base64::kAvx2Blocks, base64::HasAvx2},
-    {"Avx512", base64::kAvx512Blocks, base64::HasAvx512},
+    {"Avx2", base64::kAvx2Blocks, processor::HasAvx2},
+    {"Avx512", base64::kAvx512Blocks, processor::HasAvx512},
 };
 
 class Base64Codec : public testing::TestWithParam<Way>
