@@ -2,6 +2,7 @@
 
 #include "WindowsApi.h"
 #include "text/Blocks.h"
+#include "text/Processor.h"
 #include "text/Utf8.h"
 
 #include <algorithm>
@@ -20,6 +21,8 @@ constexpr std::size_t kPieceUnits = 1024;
 
 // No code page that can be the ANSI one, UTF-8 among them, writes more bytes than this for one UTF-16 unit.
 constexpr std::size_t kMostBytesPerUnit = 3;
+
+const utf8::Blocks& g_utf8Blocks = processor::HasAvx2() ? utf8::kAvx2Blocks : utf8::kNoBlocks;
 
 // The platform counts in int, with the terminator: a result that it cannot count is refused.
 template <class Text>
@@ -124,12 +127,18 @@ std::string UnicodeToAnsi(const std::wstring& text)
 // Well-formed text has one conversion only, and it is made here.
 std::wstring UTF8ToUnicode(const std::string& text)
 {
-    return ByPieces<std::wstring>(CP_UTF8, text, utf8::Decode, utf8::DecodedLength);
+    const auto decode = [](const char*& in, const char* end, wchar_t* out, const wchar_t* outEnd) {
+        return utf8::Decode(g_utf8Blocks, in, end, out, outEnd);
+    };
+    return ByPieces<std::wstring>(CP_UTF8, text, decode, utf8::DecodedLength);
 }
 
 std::string UnicodeToUTF8(const std::wstring& text)
 {
-    return ByPieces<std::string>(CP_UTF8, text, utf8::Encode, utf8::EncodedLength);
+    const auto encode = [](const wchar_t*& in, const wchar_t* end, char* out, const char* outEnd) {
+        return utf8::Encode(g_utf8Blocks, in, end, out, outEnd);
+    };
+    return ByPieces<std::string>(CP_UTF8, text, encode, utf8::EncodedLength);
 }
 
 std::wstring ConvertUtf8ToGBK(const std::string& text)

@@ -28,6 +28,15 @@ __m128i BytesLess(__m128i units)
     return _mm_add_epi16(_mm_add_epi16(below80, below800), surrogates);
 }
 
+// The number of units that each of 16 bytes makes, negated: one for a byte that is not a trail byte, one more for the
+// first of four.
+__m128i UnitsNegated(__m128i bytes)
+{
+    const __m128i notTrail = _mm_cmpgt_epi8(bytes, _mm_set1_epi8(static_cast<char>(0xBF)));
+    const __m128i firstOfFour = _mm_set1_epi8(static_cast<char>(0xF0));
+    return _mm_add_epi8(notTrail, _mm_cmpeq_epi8(_mm_max_epu8(bytes, firstOfFour), bytes));
+}
+
 bool IsTrail(unsigned char byte)
 {
     return (byte & 0xC0) == 0x80;
@@ -239,11 +248,19 @@ const From* ConvertBlocks(const From*& in, const From* end, To*& out, const To* 
 }
 
 template <class From, class To>
-To* Convert(const From*& position, const From* end, To* out, const To* outEnd)
+using ConvertMany = void (*)(const From*& in, const From* end, To*& out, const To* outEnd);
+
+template <class From, class To>
+To* Convert(ConvertMany<From, To> convertMany, const From*& position, const From* end, To* out, const To* outEnd)
 {
     const From* in = position;
     bool good = true;
     while (good && in < end && outEnd - out >= kLeastRoom) {
+        // Where ASCII is short, it is not worth a call.
+        if (end - in < 32)
+            blocks::CopyPlain(in, end, out, outEnd);
+        if (end - in >= kLeastText<From>)
+            convertMany(in, end, out, outEnd);
         const From* const runEnd = ConvertBlocks(in, end, out, outEnd);
         while (good && in < runEnd)
             good = ConvertOne(in, out);
@@ -254,20 +271,19 @@ To* Convert(const From*& position, const From* end, To* out, const To* outEnd)
 
 } // namespace
 
+const Blocks kNoBlocks = {[](const char*&, const char*, wchar_t*&, const wchar_t*) {},
+                          [](const wchar_t*&, const wchar_t*, char*&, const char*) {}};
+
 std::size_t DecodedLength(const char* text, std::size_t length)
 {
     // One unit for every byte that is not a trail byte, one more for the first of four.
-    const __m128i lastTrail = _mm_set1_epi8(static_cast<char>(0xBF));
-    const __m128i firstOfFour = _mm_set1_epi8(static_cast<char>(0xF0));
     const __m128i zero = _mm_setzero_si128();
     __m128i sums = zero;
     std::size_t i = 0;
-    for (; length - i >= 16; i += 16) {
-        const __m128i bytes = blocks::Load(text + i);
-        const __m128i notTrail = _mm_cmpgt_epi8(bytes, lastTrail);
-        const __m128i fours = _mm_cmpeq_epi8(_mm_max_epu8(bytes, firstOfFour), bytes);
-        const __m128i units = _mm_sub_epi8(_mm_sub_epi8(zero, notTrail), fours);
-        sums = _mm_add_epi64(sums, _mm_sad_epu8(units, zero));
+    for (; length - i >= 32; i += 32) {
+        const __m128i less =
+            _mm_add_epi8(UnitsNegated(blocks::Load(text + i)), UnitsNegated(blocks::Load(text + i + 16)));
+        sums = _mm_add_epi64(sums, _mm_sad_epu8(_mm_sub_epi8(zero, less), zero));
     }
     std::size_t units = HorizontalSum(sums);
     for (; i < length; ++i) {
@@ -277,9 +293,9 @@ std::size_t DecodedLength(const char* text, std::size_t length)
     return units;
 }
 
-wchar_t* Decode(const char*& position, const char* end, wchar_t* out, const wchar_t* outEnd)
+wchar_t* Decode(const Blocks& blocks, const char*& position, const char* end, wchar_t* out, const wchar_t* outEnd)
 {
-    return Convert(position, end, out, outEnd);
+    return Convert(blocks.decode, position, end, out, outEnd);
 }
 
 std::size_t EncodedLength(const wchar_t* text, std::size_t length)
@@ -297,9 +313,9 @@ std::size_t EncodedLength(const wchar_t* text, std::size_t length)
     return bytes;
 }
 
-char* Encode(const wchar_t*& position, const wchar_t* end, char* out, const char* outEnd)
+char* Encode(const Blocks& blocks, const wchar_t*& position, const wchar_t* end, char* out, const char* outEnd)
 {
-    return Convert(position, end, out, outEnd);
+    return Convert(blocks.encode, position, end, out, outEnd);
 }
 
 } // namespace KELPKIT::utf8
