@@ -209,14 +209,13 @@ class Random : public test::Random
 public:
     using test::Random::Random;
 
-    // Runs of one to eight characters of one kind.
-    std::wstring Mixture(std::size_t length)
+    // Runs of one to eight characters of one kind. Those that the blocks refuse are rare, or there are none.
+    std::wstring Mixture(std::size_t length, bool hasPairs = true)
     {
         std::wstring text;
         while (text.size() < length) {
             const std::wstring& character = kCharacters[Below(static_cast<unsigned>(std::size(kCharacters)))];
-            // What the blocks refuse is rare.
-            if (character.size() == 1 || Below(8) == 0)
+            if (character.size() == 1 || (hasPairs && Below(8) == 0))
                 text += Repeated(character, 1 + Below(8));
         }
         return text;
@@ -338,5 +337,32 @@ TEST_P(Utf8, DamagedTextsAreDecodedAndEncodedAsTheModelDoes)
         ASSERT_NO_FATAL_FAILURE(ExpectAsTheModel(bytes));
         text[random.Below(static_cast<unsigned>(text.size()))] = static_cast<wchar_t>(0xD800 + random.Below(0x800));
         ASSERT_NO_FATAL_FAILURE(ExpectAsTheModel(text));
+    }
+}
+
+TEST(Utf8Avx2Blocks, ConvertWhatIsWellFormedUpToTheEnd)
+{
+    if (!processor::HasAvx2())
+        GTEST_SKIP() << "this processor lacks it";
+    Random random(4);
+    for (int round = 0; round < 1000; ++round) {
+        const std::wstring wide = random.Mixture(1 + random.Below(300), false);
+        const std::string narrow = *ModelEncode(wide);
+
+        std::string bytes(3 * wide.size() + 64, '\0');
+        const wchar_t* fromWide = wide.data();
+        char* toBytes = bytes.data();
+        utf8::kAvx2Blocks.encode(fromWide, wide.data() + wide.size(), toBytes, bytes.data() + bytes.size());
+        ASSERT_LT(wide.data() + wide.size() - fromWide, utf8::kLeastText<wchar_t>);
+        bytes.resize(static_cast<std::size_t>(toBytes - bytes.data()));
+        ASSERT_EQ(bytes, narrow.substr(0, bytes.size()));
+
+        std::wstring units(narrow.size() + 32, L'\0');
+        const char* fromNarrow = narrow.data();
+        wchar_t* toUnits = units.data();
+        utf8::kAvx2Blocks.decode(fromNarrow, narrow.data() + narrow.size(), toUnits, units.data() + units.size());
+        ASSERT_LT(narrow.data() + narrow.size() - fromNarrow, utf8::kLeastText<char>);
+        units.resize(static_cast<std::size_t>(toUnits - units.data()));
+        ASSERT_EQ(units, wide.substr(0, units.size()));
     }
 }
