@@ -90,7 +90,7 @@ resolve:
     jmp *%rax
     .seh_endproc
 
-delay bcrypt, BCryptCloseAlgorithmProvider, BCryptGenRandom, BCryptOpenAlgorithmProvider
+delay bcrypt, BCryptGenRandom
 delay ole32, CoCreateInstance, CoInitializeEx, CoInitializeSecurity, CoSetProxyBlanket, CoUninitialize
 delay oleaut32, SysAllocString, SysFreeString, VariantClear, VariantInit
 delay oleaut32, SystemTimeToVariantTime, VarDateFromStr, VarUdateFromDate, VariantTimeToSystemTime

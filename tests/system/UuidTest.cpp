@@ -9,7 +9,11 @@
 #include <windows.h>
 
 #include <bcrypt.h>
+#include <boost/uuid/entropy_error.hpp>
 
+#include <cstdint>
+#include <cwchar>
+#include <random>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -46,7 +50,62 @@ NTSTATUS WINAPI CountingRandom(BCRYPT_ALG_HANDLE algorithm, PUCHAR bytes, ULONG 
     return g_random->Original<decltype(::BCryptGenRandom)>()(algorithm, bytes, size, flags);
 }
 
+// Random numbers that are none: byte i of all is i times this.
+unsigned g_step = 0;
+
+NTSTATUS WINAPI FakeRandom(BCRYPT_ALG_HANDLE, PUCHAR bytes, ULONG size, ULONG)
+{
+    for (ULONG i = 0; i < size; ++i)
+        bytes[i] = static_cast<UCHAR>(i * g_step);
+    return 0;
+}
+
+// The same bytes as words, for a Mersenne twister.
+struct FakeSeed {
+    using result_type = std::uint32_t;
+    template <class Word>
+    void generate(Word* begin, const Word* end) const
+    {
+        unsigned byte = 0;
+        for (; begin != end; ++begin) {
+            *begin = 0;
+            for (unsigned shift = 0; shift < 32; shift += 8)
+                *begin |= Word{static_cast<UCHAR>(byte++ * g_step)} << shift;
+        }
+    }
+};
+
+// The UUID that a Mersenne twister of that seed gives, each number taken lowest byte first.
+std::wstring ExpectedUuid()
+{
+    FakeSeed seed;
+    std::mt19937 engine(seed);
+    std::vector<unsigned> bytes;
+    for (int word = 0; word < 4; ++word) {
+        for (std::uint32_t number = engine(), byte = 0; byte < 4; ++byte, number >>= 8)
+            bytes.push_back(number & 0xFF);
+    }
+    bytes[6] = (bytes[6] & 0x4F) | 0x40;
+    bytes[8] = (bytes[8] & 0xBF) | 0x80;
+    std::wstring text;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        wchar_t digits[8];
+        std::swprintf(digits, 8, i == 4 || i == 6 || i == 8 || i == 10 ? L"-%02x" : L"%02x", bytes[i]);
+        text += digits;
+    }
+    return text;
+}
+
 } // namespace
+
+TEST(GenerateUUID, IsMadeByAMersenneTwisterThatTheSystemSeeds)
+{
+    const ImportPatch patch("BCryptGenRandom", FakeRandom);
+    for (g_step = 0; g_step < 256; ++g_step) {
+        SCOPED_TRACE(g_step);
+        EXPECT_EQ(GenerateUUID(), ExpectedUuid());
+    }
+}
 
 TEST(GenerateUUID, GivesAnotherOneEachTime)
 {
@@ -98,13 +157,8 @@ TEST(GenerateUUID, ThrowsWhereTheSystemHasNoRandomNumbers)
     // The first exception of all opens what the runtime needs.
     EXPECT_THROW(throw std::runtime_error("first"), std::runtime_error);
     GenerateUUID();
-    {
-        const test::FailingCall<decltype(::BCryptGenRandom)> failing("BCryptGenRandom", kUnsuccessful);
-        EXPECT_THROW(GenerateUUID(), std::runtime_error);
-    }
-    const test::FailingCall<decltype(::BCryptOpenAlgorithmProvider)> failing("BCryptOpenAlgorithmProvider",
-                                                                             kUnsuccessful);
-    EXPECT_THROW(GenerateUUID(), std::runtime_error);
+    const test::FailingCall<decltype(::BCryptGenRandom)> failing("BCryptGenRandom", kUnsuccessful);
+    EXPECT_THROW(GenerateUUID(), boost::uuids::entropy_error);
 }
 
 TEST(GenerateUUID, EightThreadsAtOnceGetDistinctOnes)
