@@ -30,6 +30,10 @@ class CXMLConfig
 public:
     /// Keeps the path; the file is not touched.
     KELPKIT_API CXMLConfig(const std::wstring& file); // NOLINT(google-explicit-constructor): by contract
+    /// Copies the path.
+    KELPKIT_API CXMLConfig(const CXMLConfig& other);
+    /// Takes over the path of the other object; no file is touched.
+    KELPKIT_API CXMLConfig& operator=(const CXMLConfig& other);
     KELPKIT_API ~CXMLConfig();
 
     /// The element's text, character for character; empty if it cannot be read.

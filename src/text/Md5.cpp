@@ -145,6 +145,12 @@ bool BuildMd5Code(const std::string& input, std::string& output)
     return true;
 }
 
+// For applications whose headers declare the input without const.
+KELPKIT_API bool BuildMd5Code(std::string& input, std::string& output)
+{
+    return BuildMd5Code(std::as_const(input), output);
+}
+
 bool BuildMd5Code(const std::wstring& input, std::wstring& output)
 {
     std::string digits;

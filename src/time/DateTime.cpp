@@ -5,6 +5,7 @@
 #include <cwchar>
 #include <iterator>
 #include <limits>
+#include <utility>
 
 namespace KELPKIT
 {
@@ -44,6 +45,12 @@ std::wstring Time_tToString(const std::int64_t& time)
     ::swprintf_s(text, std::size(text), L"date is %04d-%02d-%02d %02d:%02d:%02d", local.tm_year, local.tm_mon,
                  local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec);
     return text;
+}
+
+// For applications whose headers declare the time without const.
+KELPKIT_API std::wstring Time_tToString(std::int64_t& time)
+{
+    return Time_tToString(std::as_const(time));
 }
 
 std::int64_t OleDateTimeToMS(const COleDateTime& date)

@@ -59,6 +59,8 @@ bool AddUser(IXMLTree& tree, const StUsrPwd& user)
 
 // NOLINTNEXTLINE(modernize-pass-by-value): by contract
 CXMLConfig::CXMLConfig(const std::wstring& file) : m_strFilePath(file) {}
+CXMLConfig::CXMLConfig(const CXMLConfig&) = default;
+CXMLConfig& CXMLConfig::operator=(const CXMLConfig&) = default;
 CXMLConfig::~CXMLConfig() = default;
 
 std::wstring CXMLConfig::GetXmlString(const wchar_t* key)

@@ -19,6 +19,15 @@
 
 using namespace KELPKIT;
 
+// As applications have it whose headers declare these without const.
+namespace KELPKIT
+{
+
+KELPKIT_API bool BuildMd5Code(std::string& input, std::string& output);
+KELPKIT_API std::wstring Time_tToString(std::int64_t& time);
+
+} // namespace KELPKIT
+
 namespace test
 {
 namespace
@@ -191,6 +200,11 @@ void AddCodecs(std::vector<Operation>& rows)
         BuildMd5Code(kNarrow, digest);
         return digest;
     }));
+    rows.push_back(Plain({"KELPKIT::BuildMd5Code(std::string&, std::string&)"}, [] {
+        std::string text = kNarrow;
+        BuildMd5Code(text, text);
+        return text;
+    }));
     rows.push_back(Plain({"KELPKIT::BuildMd5Code(std::wstring const&, std::wstring&)"}, [] {
         std::wstring digest;
         BuildMd5Code(kWide, digest);
@@ -244,6 +258,10 @@ void AddDates(std::vector<Operation>& rows)
     const auto add = [&rows](const char* name, const auto& call) { rows.push_back(Plain({name}, call)); };
     add("KELPKIT::StringToTime_t(std::wstring const&)", [] { return StringToTime_t(L"120/4/6 7:8:9 and more"); });
     add("KELPKIT::Time_tToString(long long const&)", [] { return Time_tToString(std::int64_t{1588748889}); });
+    add("KELPKIT::Time_tToString(long long&)", [] {
+        std::int64_t time = 1588748889;
+        return Time_tToString(time);
+    });
     add("KELPKIT::OleDateTimeToMS(COleDateTime const&)", [] { return OleDateTimeToMS(COleDateTime(45000.25)); });
     add("KELPKIT::MSToOleDateTime(long long)", [] { return MSToOleDateTime(1678000000000); });
     add("KELPKIT::OleDateTimeToString(COleDateTime)", [] { return OleDateTimeToString(COleDateTime(45000.25)); });
@@ -418,6 +436,15 @@ void AddXml(std::vector<Operation>& rows)
          config + "GetXMLValue(std::wstring const&, std::wstring&)"},
         [](auto& folder) { return CXMLConfig(ConfigFile(folder)).GetXmlString(L"server/host"); }, "");
     add(
+        {config + "CXMLConfig(KELPKIT::CXMLConfig const&)", config + "operator=(KELPKIT::CXMLConfig const&)"},
+        [](auto& folder) {
+            const CXMLConfig first(ConfigFile(folder));
+            CXMLConfig second(first);
+            second = first;
+            return second.GetXmlString(L"server/host");
+        },
+        "");
+    add(
         {config + "GetXmlInt(wchar_t const*)"},
         [](auto& folder) { return CXMLConfig(ConfigFile(folder)).GetXmlInt(L"port"); }, "0");
     add(
@@ -455,7 +482,8 @@ void AddXml(std::vector<Operation>& rows)
                              const CXMLTreeCreator creator;
                              const auto copy = std::make_unique<CXMLTreeCreator>(creator);
                              *copy = creator;
-                             return typeid(*copy) == typeid(CXMLTreeCreator);
+                             const CXMLTreeCreator& copied = *copy;
+                             return typeid(copied) == typeid(CXMLTreeCreator);
                          }));
 }
 
