@@ -1,39 +1,45 @@
-# Every function of Windows that a DLL imports has a row in the committed list, which says in which tests it fails or why
-# in none; and those tests are there.
+# Every function of Windows that a DLL imports has a row in the committed list, which says in which tests it fails or
+# why in none; and those tests are there.
 #
-#     cmake -DDLL=... -DLIST=... -DTESTS=<folder> -DDELAYED=<source of the late imports> -DOBJDUMP=... -P CheckCalls.cmake
+#     cmake -DDLL=... -DLIST=... -DTESTS=<folder> [-DSTALE=ON] -P CheckCalls.cmake
+#
+# One list serves mingw's ABI and Visual Studio's. With -DSTALE=ON, for the ABI with which a DLL calls all that the
+# project itself ever calls, rows without a call fail; those of the toolchains may stay.
 
 cmake_minimum_required(VERSION 3.25)
+include("${CMAKE_CURRENT_LIST_DIR}/ReadPe.cmake")
 
 # The runtimes and libraries whose functions are no calls of the system.
-set(others "^(msvcrt|ucrtbase|lib[A-Za-z0-9_+-]+|XMLParser|api-ms-win-crt-.*)\\.dll$")
+set(others msvcrt "ucrtbased?" "api-ms-win-crt-.*" "lib[a-z0-9_+-]+" "msvcp140.*" "vcruntime140.*" "concrt140d?"
+  "mfc140ud?" "log4cplus.*" "pugixmld?" xmlparser
+)
+list(JOIN others "|" others)
 
-execute_process(COMMAND "${OBJDUMP}" -p "${DLL}" OUTPUT_VARIABLE headers COMMAND_ERROR_IS_FATAL ANY)
-string(REGEX MATCHALL "DLL Name: [^\n]+|\n\t[0-9a-f]+\t[ 0-9a-f<>]+ [A-Za-z_][A-Za-z0-9_]*" lines "${headers}")
+# Windows' own import libraries ask for these by their ordinals.
+set(ordinals "oleaut32.dll:#2" SysAllocString "oleaut32.dll:#6" SysFreeString "oleaut32.dll:#8" VariantInit
+  "oleaut32.dll:#9" VariantClear "oleaut32.dll:#94" VarDateFromStr "oleaut32.dll:#184" SystemTimeToVariantTime
+  "oleaut32.dll:#185" VariantTimeToSystemTime "oleaut32.dll:#331" VarUdateFromDate "ws2_32.dll:#12" inet_ntoa
+  "ws2_32.dll:#52" gethostbyname "ws2_32.dll:#57" gethostname "ws2_32.dll:#115" WSAStartup "ws2_32.dll:#116" WSACleanup
+)
+
+read_pe_imports("${DLL}" entries)
 set(imports)
-set(is_system OFF)
-foreach(line IN LISTS lines)
-  if(line MATCHES "^DLL Name: (.+)$")
-    string(STRIP "${CMAKE_MATCH_1}" dll)
-    if(dll MATCHES "${others}")
-      set(is_system OFF)
-    else()
-      set(is_system ON)
-    endif()
-  elseif(is_system AND line MATCHES " ([A-Za-z0-9_]+)$")
-    list(APPEND imports "${CMAKE_MATCH_1}")
+foreach(entry IN LISTS entries)
+  string(REGEX MATCH "^([^:]+):(.+)$" entry "${entry}")
+  set(function "${CMAKE_MATCH_2}")
+  string(TOLOWER "${CMAKE_MATCH_1}" dll)
+  if(dll MATCHES "^(${others})\\.dll$")
+    continue()
   endif()
+  list(FIND ordinals "${dll}:${function}" index)
+  if(NOT index EQUAL -1)
+    math(EXPR index "${index} + 1")
+    list(GET ordinals ${index} function)
+  elseif(function MATCHES "^#")
+    set(function "${dll}:${function}")
+  endif()
+  list(APPEND imports "${function}")
 endforeach()
-
-# objdump does not show what is imported late.
-if(EXISTS "${DELAYED}")
-  file(STRINGS "${DELAYED}" lines REGEX "^delay ")
-  foreach(line IN LISTS lines)
-    string(REGEX REPLACE "^delay [^,]+, *" "" functions "${line}")
-    string(REGEX REPLACE ", *" ";" functions "${functions}")
-    list(APPEND imports ${functions})
-  endforeach()
-endif()
 list(LENGTH imports count)
 if(count LESS 20)
   message(FATAL_ERROR "Only ${count} imports were found in ${DLL}")
@@ -51,14 +57,18 @@ foreach(source IN LISTS sources)
 endforeach()
 
 set(listed)
-file(STRINGS "${LIST}" rows REGEX "^[A-Za-z]")
+file(STRINGS "${LIST}" rows REGEX "^[A-Za-z_]")
 foreach(row IN LISTS rows)
   if(NOT row MATCHES "^([A-Za-z0-9_]+) +(.+)$")
     message(SEND_ERROR "${LIST}: nothing is said of ${row}")
     continue()
   endif()
-  list(APPEND listed "${CMAKE_MATCH_1}")
+  set(function "${CMAKE_MATCH_1}")
+  list(APPEND listed "${function}")
   string(REPLACE " " ";" named "${CMAKE_MATCH_2}")
+  if(STALE AND NOT function IN_LIST imports AND NOT row MATCHES " - \\(")
+    message(SEND_ERROR "${LIST}: ${DLL} does not call ${function}")
+  endif()
   if("-" IN_LIST named)
     continue()
   endif()

@@ -10,6 +10,7 @@
 #include <windows.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -20,6 +21,38 @@ namespace
 std::wstring Dll()
 {
     return test::BesideThisProgram(L"Kelpkit.dll");
+}
+
+// Mangled names of what is called here.
+#if defined(_MSC_VER)
+#define WSTRING "V?$basic_string@_WU?$char_traits@_W@std@@V?$allocator@_W@2@@std@@"
+#define STRING "V?$basic_string@DU?$char_traits@D@std@@V?$allocator@D@2@@std@@"
+constexpr const char* kSetProperties = "?SetProperties@CLogMsg@KELPKIT@@SAXAEB" WSTRING "@Z";
+constexpr const char* kSetLogPath = "?SetLogPath@CLogMsg@KELPKIT@@SAXAEB" WSTRING "@Z";
+constexpr const char* kLogMsg = "?LogMsg@CLogMsg@KELPKIT@@SAXW4loglv@2@PEB_W@Z";
+constexpr const char* kGetCpuId = "?GetCPUId@KELPKIT@@YA?A" WSTRING "XZ";
+constexpr const char* kBuildMd5CodeOfConst = "?BuildMd5Code@KELPKIT@@YA_NAEB" STRING "AEAV23@@Z";
+constexpr const char* kBuildMd5Code = "?BuildMd5Code@KELPKIT@@YA_NAEA" STRING "0@Z";
+constexpr const char* kTimeToStringOfConst = "?Time_tToString@KELPKIT@@YA?A" WSTRING "AEB_J@Z";
+constexpr const char* kTimeToString = "?Time_tToString@KELPKIT@@YA?A" WSTRING "AEA_J@Z";
+#else
+#define WSTRING "NSt7__cxx1112basic_stringIwSt11char_traitsIwESaIwEEE"
+#define STRING "NSt7__cxx1112basic_stringIcSt11char_traitsIcESaIcEEE"
+constexpr const char* kSetProperties = "_ZN7KELPKIT7CLogMsg13SetPropertiesERK" WSTRING;
+constexpr const char* kSetLogPath = "_ZN7KELPKIT7CLogMsg10SetLogPathERK" WSTRING;
+constexpr const char* kLogMsg = "_ZN7KELPKIT7CLogMsg6LogMsgENS_5loglvEPKw";
+constexpr const char* kGetCpuId = "_ZN7KELPKIT8GetCPUIdB5cxx11Ev";
+constexpr const char* kBuildMd5CodeOfConst = "_ZN7KELPKIT12BuildMd5CodeERK" STRING "RS5_";
+constexpr const char* kBuildMd5Code = "_ZN7KELPKIT12BuildMd5CodeER" STRING "S6_";
+constexpr const char* kTimeToStringOfConst = "_ZN7KELPKIT14Time_tToStringB5cxx11ERKx";
+constexpr const char* kTimeToString = "_ZN7KELPKIT14Time_tToStringB5cxx11ERx";
+#endif
+
+// Null where the module does not export the name.
+template <class Function>
+Function Find(HMODULE module, const char* name)
+{
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(::GetProcAddress(module, name)));
 }
 
 // Reads a value of the version resource.
@@ -65,7 +98,6 @@ TEST(Library, LeavesNothingBehindThatRunsAfterItWasUnloaded)
     EXPECT_EQ(::SleepEx(10, TRUE), 0U);
 }
 
-#if defined(__GNUC__)
 TEST(Library, LogsBetweenLoadingAndUnloading)
 {
     const test::TempFolder folder;
@@ -80,13 +112,9 @@ TEST(Library, LogsBetweenLoadingAndUnloading)
     for (int round = 0; round < 20; ++round) {
         const HMODULE module = ::LoadLibraryW(Dll().c_str());
         ASSERT_NE(module, nullptr) << test::LastErrorText();
-        const auto find = [&](const char* name) { return reinterpret_cast<void*>(::GetProcAddress(module, name)); };
-        const auto setProperties = reinterpret_cast<void (*)(const std::wstring&)>(
-            find("_ZN7KELPKIT7CLogMsg13SetPropertiesERKNSt7__cxx1112basic_stringIwSt11char_traitsIwESaIwEEE"));
-        const auto setLogPath = reinterpret_cast<void (*)(const std::wstring&)>(
-            find("_ZN7KELPKIT7CLogMsg10SetLogPathERKNSt7__cxx1112basic_stringIwSt11char_traitsIwESaIwEEE"));
-        const auto logMsg =
-            reinterpret_cast<void (*)(int, const wchar_t*)>(find("_ZN7KELPKIT7CLogMsg6LogMsgENS_5loglvEPKw"));
+        const auto setProperties = Find<void (*)(const std::wstring&)>(module, kSetProperties);
+        const auto setLogPath = Find<void (*)(const std::wstring&)>(module, kSetLogPath);
+        const auto logMsg = Find<void (*)(int, const wchar_t*)>(module, kLogMsg);
         ASSERT_TRUE(setProperties && setLogPath && logMsg);
         setProperties(propertyFile);
         setLogPath(logFile);
@@ -101,15 +129,39 @@ TEST(Library, LeavesNoExceptionHandlerBehind)
 {
     const HMODULE module = ::LoadLibraryW(Dll().c_str());
     ASSERT_NE(module, nullptr) << test::LastErrorText();
-    const auto getCpuId = reinterpret_cast<std::wstring (*)()>(
-        reinterpret_cast<void*>(::GetProcAddress(module, "_ZN7KELPKIT8GetCPUIdB5cxx11Ev")));
+    const auto getCpuId = Find<std::wstring (*)()>(module, kGetCpuId);
     ASSERT_NE(getCpuId, nullptr);
     EXPECT_NE(getCpuId(), L"") << "which is asked for under a handler";
     ASSERT_TRUE(::FreeLibrary(module)) << test::LastErrorText();
     // An exception passes by every handler of the process.
     EXPECT_THROW(throw std::runtime_error("text"), std::runtime_error);
 }
-#endif
+
+// Applications may have been compiled with headers that declare these without const.
+TEST(Library, ExportsWhatTakesAReferenceUnderTheNamesWithAndWithoutConst)
+{
+    const HMODULE module = ::LoadLibraryW(Dll().c_str());
+    ASSERT_NE(module, nullptr) << test::LastErrorText();
+    for (const char* const name : {kBuildMd5CodeOfConst, kBuildMd5Code}) {
+        SCOPED_TRACE(name);
+        const auto buildMd5Code = Find<bool (*)(std::string&, std::string&)>(module, name);
+        ASSERT_NE(buildMd5Code, nullptr);
+        std::string input = "abc";
+        std::string output;
+        EXPECT_TRUE(buildMd5Code(input, output));
+        EXPECT_EQ(output, "900150983cd24fb0d6963f7d28e17f72");
+        EXPECT_EQ(input, "abc");
+    }
+    for (const char* const name : {kTimeToStringOfConst, kTimeToString}) {
+        SCOPED_TRACE(name);
+        const auto timeToString = Find<std::wstring (*)(std::int64_t&)>(module, name);
+        ASSERT_NE(timeToString, nullptr);
+        std::int64_t time = 0;
+        EXPECT_EQ(timeToString(time).substr(0, 8), L"date is ");
+        EXPECT_EQ(time, 0);
+    }
+    ::FreeLibrary(module);
+}
 
 TEST_P(EachLibrary, SaysWhatItIsInItsVersionResource)
 {
@@ -149,8 +201,8 @@ TEST_P(EachLibrary, MayBePlacedAnywhereAndExecutesNoData)
 
 INSTANTIATE_TEST_SUITE_P(Library, EachLibrary, testing::Values(L"Kelpkit.dll", L"XMLParser.dll"));
 
-#if defined(__GNUC__)
-// With Visual Studio, MFC brings some of them.
+#if !defined(_AFXDLL)
+// MFC brings some of them.
 TEST_P(LateDll, IsLoadedByTheFirstCallThatNeedsIt)
 {
     EXPECT_EQ(test::Run(L"\"" + test::BesideThisProgram(L"LateDll.exe") + L"\" " + GetParam()), 0U);
