@@ -23,6 +23,7 @@ if(KELPKIT_BUILD_TESTS)
     set(KELPKIT_GOOGLETEST_SOURCES /usr/src/googletest CACHE PATH "The sources of GoogleTest")
     set(INSTALL_GTEST OFF)
     set(BUILD_GMOCK OFF)
+    set(gtest_force_shared_crt ON) # Visual Studio's runtime as a DLL, as everything here
     add_subdirectory("${KELPKIT_GOOGLETEST_SOURCES}" googletest EXCLUDE_FROM_ALL SYSTEM)
   endif()
 endif()

@@ -3,14 +3,15 @@
 
 set(KELPKIT_RUNTIME_DLLS)
 
-# kelpkit_bring_dll(FILE): a stripped copy; the loader reads the whole file, and debug information makes up most of it.
+# kelpkit_bring_dll(FILE COMMAND ...): makes FILE in the folder of the programs with the command, which gets two more
+# arguments: the file's present place and its new one.
 function(kelpkit_bring_dll file)
   cmake_path(GET file FILENAME name)
   set(copy "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${name}")
   add_custom_command(
     OUTPUT "${copy}"
     COMMAND "${CMAKE_COMMAND}" -E make_directory "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}"
-    COMMAND "${CMAKE_STRIP}" --strip-all -o "${copy}" "${file}"
+    COMMAND ${ARGN} "${file}" "${copy}"
     DEPENDS "${file}"
     COMMENT "Bringing ${name}"
     VERBATIM
@@ -18,7 +19,10 @@ function(kelpkit_bring_dll file)
   set(KELPKIT_RUNTIME_DLLS ${KELPKIT_RUNTIME_DLLS} "${copy}" PARENT_SCOPE)
 endfunction()
 
+get_target_property(log4cplus_dll ${KELPKIT_LOG4CPLUS} LOCATION)
 if(MINGW)
+  # The loader reads the whole file, and debug information makes up most of it.
+  set(strip "${CMAKE_OBJCOPY}" --strip-all)
   foreach(name libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
     execute_process(
       COMMAND "${CMAKE_CXX_COMPILER}" "-print-file-name=${name}"
@@ -28,10 +32,11 @@ if(MINGW)
     if(NOT EXISTS "${file}")
       message(FATAL_ERROR "The compiler does not know its runtime ${name}")
     endif()
-    kelpkit_bring_dll("${file}")
+    kelpkit_bring_dll("${file}" ${strip})
   endforeach()
-  get_target_property(file ${KELPKIT_LOG4CPLUS} LOCATION)
-  kelpkit_bring_dll("${file}")
+  kelpkit_bring_dll("${log4cplus_dll}" ${strip})
+else()
+  kelpkit_bring_dll("${log4cplus_dll}" "${CMAKE_COMMAND}" -E copy)
 endif()
 
 add_custom_target(KelpkitRuntime ALL DEPENDS ${KELPKIT_RUNTIME_DLLS})

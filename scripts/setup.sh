@@ -5,10 +5,12 @@
 #
 #     setup.sh            what building, running and testing need
 #     setup.sh bench      and what the benchmarks need: Google Benchmark and the libraries that Kelpkit is compared with
+#     setup.sh clang-cl   and what builds with Visual Studio's ABI need: clang-cl and lld-link, and the libraries built for
+#                         that ABI into build/deps-clang-cl; KELPKIT_SYSROOT names the sysroot, see CONTRIBUTING.md
 set -euo pipefail
 
 root=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd)
-deps=$root/build/deps
+downloads=$root/build/deps/src/apt
 logs=$root/build/logs
 code_pages='936:zh_CN.UTF-8 1252:en_US.UTF-8'
 # What for, and which packages.
@@ -18,10 +20,15 @@ a screen for its windows: xauth xvfb
 locales, from which Wine takes its code page: locales
 libraries that Kelpkit uses: libboost-dev patch
 to test: googletest pkgconf'
-benchmarks=${1:-}
-if [ "$benchmarks" = bench ]; then
-    packages+=$'\n''libraries to compare with: libfmt-dev libgcrypt-mingw-w64-dev libspdlog-dev'
-fi
+case ${1:-} in
+'') ;;
+bench) packages+=$'\n''libraries to compare with: libfmt-dev libgcrypt-mingw-w64-dev libspdlog-dev' ;;
+clang-cl) packages+=$'\n''to build with the ABI of Visual Studio: clang-tools-19 lld-19 llvm-19' ;;
+*)
+    echo "setup: unknown argument $1" >&2
+    exit 2
+    ;;
+esac
 if [ -n "${KELPKIT_EXTRA_PACKAGES:-}" ]; then
     packages+=$'\n'"for the script that was started: $KELPKIT_EXTRA_PACKAGES"
 fi
@@ -99,7 +106,7 @@ generate_locales() {
 # Downloads Debian's source package of $1, with package lists of its own, so that the machine's apt configuration stays
 # as it is.
 download_source() {
-    local name=$1 apt=$deps/src/apt mirror
+    local name=$1 apt=$downloads mirror
     say "fetching the sources of $name"
     rm -rf "$apt/download"
     mkdir -p "$apt/lists/partial" "$apt/cache/archives/partial" "$apt/download"
@@ -114,9 +121,9 @@ download_source() {
     mv "$apt/download/$name"_*.orig.tar.*z "$apt/"
 }
 
-# Unpacks the original sources of $1 into build/deps/src/$1.
+# Unpacks the original sources of $1 into $deps/src/$1.
 unpack_source() {
-    local name=$1 apt=$deps/src/apt
+    local name=$1 apt=$downloads
     if ! compgen -G "$apt/${name}_*.orig.tar.*z" >/dev/null; then download_source "$name"; fi
     rm -rf "$deps/src/$name" "$deps/src/unpacked"
     mkdir -p "$deps/src/unpacked"
@@ -125,22 +132,22 @@ unpack_source() {
     rmdir "$deps/src/unpacked"
 }
 
-# Builds the CMake project in $source for mingw and installs it into build/deps. The stamp holds the recipe, so that
+# Builds the CMake project in $source with the toolchain and installs it into $deps. The stamp holds the recipe, so that
 # a changed patch or option builds anew.
 build_dependency() {
     local name=$1 source=$2
     shift 2
-    say "building $name for mingw, which Debian does not offer (a minute)"
+    say "building $name for $toolchain, which Debian does not offer (a minute)"
     rm -rf "$deps/src/build-$name"
     step "configure-$name" cmake -S "$source" -B "$deps/src/build-$name" -G Ninja \
-        "-DCMAKE_TOOLCHAIN_FILE=$root/cmake/mingw-w64-x86_64.cmake" -DCMAKE_BUILD_TYPE=Release \
+        "-DCMAKE_TOOLCHAIN_FILE=$root/cmake/$toolchain.cmake" -DCMAKE_BUILD_TYPE=Release \
         "-DCMAKE_INSTALL_PREFIX=$deps" -DCMAKE_INSTALL_LIBDIR=lib "$@"
     step "build-$name" cmake --build "$deps/src/build-$name"
     step "install-$name" cmake --install "$deps/src/build-$name" --strip
 }
 
 build_log4cplus() {
-    local patch=$root/cmake/log4cplus-mingw.patch stamp=$deps/log4cplus.stamp recipe
+    local patch=$root/vcpkg-overlay/log4cplus/kelpkit.patch stamp=$deps/log4cplus.stamp recipe
     # The thread pool stays off: with it, processes hang when they exit or unload the DLL.
     set -- -DUNICODE=ON -DLOG4CPLUS_ENABLE_THREAD_POOL=OFF -DLOG4CPLUS_BUILD_TESTING=OFF -DWITH_UNIT_TESTS=OFF \
         -DLOG4CPLUS_BUILD_LOGGINGSERVER=OFF
@@ -191,14 +198,25 @@ make_wine_prefix() {
     step "wine-$code_page" env KELPKIT_CODE_PAGE="$code_page" "$root/cmake/wine.sh" make
 }
 
+# Builds the libraries with the toolchain into the folder, where the presets of that toolchain look for them.
+build_libraries() {
+    toolchain=$1
+    deps=$2
+    mkdir -p "$deps/src"
+    build_log4cplus
+    build_pugixml
+    link_headers boost
+}
+
 require_debian_12
-mkdir -p "$logs" "$deps/src"
+mkdir -p "$logs"
 install_packages
 generate_locales
-build_log4cplus
-build_pugixml
-link_headers boost
-if [ "$benchmarks" = bench ]; then
+if [ "${1:-}" = clang-cl ]; then
+    build_libraries clang-cl "$root/build/deps-clang-cl"
+fi
+build_libraries mingw-w64-x86_64 "$root/build/deps"
+if [ "${1:-}" = bench ]; then
     build_benchmark
     link_headers fmt spdlog
 fi

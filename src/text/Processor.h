@@ -2,8 +2,8 @@
 
 // What is asked of the processor before functions use registers that not every one has.
 
-// Every processor with AVX2 counts bits, too.
-#if defined(_MSC_VER)
+// Every processor with AVX2 counts bits, too. clang-cl wants to be told, as clang does; Visual Studio's compiler does not.
+#if defined(_MSC_VER) && !defined(__clang__)
 #define KELPKIT_AVX2
 #define KELPKIT_AVX512
 #else
