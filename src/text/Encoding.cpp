@@ -167,15 +167,14 @@ std::wstring ConvertGBKToUnicode(const std::wstring& text)
     return text;
 }
 
-// One function under two names. Visual Studio's linker folds equal ones; for GCC the second is declared an alias.
-#if defined(__GNUC__)
-std::wstring ConvertUnicodeToGBK(const std::wstring& text)
-    __attribute__((alias("_ZN7KELPKIT19ConvertGBKToUnicodeERKNSt7__cxx1112basic_stringIwSt11char_traitsIwESaIwEEE")));
+// One function under two names.
+#if defined(_MSC_VER)
+#define KELPKIT_WSTRING "V?$basic_string@_WU?$char_traits@_W@std@@V?$allocator@_W@2@@std@@"
+#pragma comment(linker, "/export:?ConvertUnicodeToGBK@KELPKIT@@YA?A" KELPKIT_WSTRING "AEBV23@@Z="                      \
+                        "?ConvertGBKToUnicode@KELPKIT@@YA?A" KELPKIT_WSTRING "AEBV23@@Z")
 #else
 std::wstring ConvertUnicodeToGBK(const std::wstring& text)
-{
-    return text;
-}
+    __attribute__((alias("_ZN7KELPKIT19ConvertGBKToUnicodeERKNSt7__cxx1112basic_stringIwSt11char_traitsIwESaIwEEE")));
 #endif
 
 std::wstring ConvertAnsiToGBK(const std::string& text)

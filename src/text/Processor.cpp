@@ -15,13 +15,14 @@ namespace
 // Whether the system saves the registers of this mask of XCR0, and the processor has these features of leaf 7.
 bool HasRegisters(unsigned long long registers, unsigned features)
 {
-    int basic[4];
-    int extended[4];
-    __cpuid(basic, 1);
-    __cpuidex(extended, 7, 0);
-    const bool mayAsk = (basic[2] & 1 << 27) != 0;
-    return mayAsk && (_xgetbv(0) & registers) == registers &&
-           (static_cast<unsigned>(extended[1]) & features) == features;
+    int answer[4];
+    __cpuid(answer, 0);
+    if (answer[0] < 7) // a leaf that a processor does not have gives what another one has
+        return false;
+    __cpuid(answer, 1);
+    const bool mayAsk = (answer[2] & 1 << 27) != 0;
+    __cpuidex(answer, 7, 0);
+    return mayAsk && (_xgetbv(0) & registers) == registers && (static_cast<unsigned>(answer[1]) & features) == features;
 }
 
 } // namespace

@@ -171,22 +171,28 @@ TEST(CheckFileExis, IsFalseWhileAnotherDeniesReading)
     EXPECT_EQ(g_validity, L"文件不存在!");
 }
 
-#if defined(__MINGW32__)
 TEST(CheckFileExis, IsFalseWhereAccessIsDenied)
 {
     const TempFolder folder;
     WriteFileBytes(folder / L"a", "x");
+#if defined(_MSC_VER)
+    const ImportPatch patch(
+        L"msvcp140.dll", "_wfsopen", +[](const wchar_t*, const wchar_t*, int) -> std::FILE* {
+            errno = EACCES;
+            return nullptr;
+        });
+#else
     const ImportPatch patch(
         L"libstdc++-6.dll", "_wfopen", +[](const wchar_t*, const wchar_t*) -> std::FILE* {
             errno = EACCES;
             return nullptr;
         });
+#endif
     EXPECT_FALSE(CheckFileExis(folder / L"a"));
     EXPECT_FALSE(IsValid(folder / L"a"));
     EXPECT_EQ(g_validity, L"文件不存在!");
     EXPECT_EQ(GetFileSize(folder / L"a"), 0);
 }
-#endif
 
 TEST(CheckFileExis, TakesALongPathAsItStands)
 {

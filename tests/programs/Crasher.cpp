@@ -13,6 +13,7 @@
 //     no-dump       without having asked
 //     no-heap       where each use of the C runtime's heap ends the program with exit code 99
 
+#include "support/Callers.h"
 #include "support/CrashRecord.h"
 #include "support/ImportPatch.h"
 
@@ -134,8 +135,11 @@ LONG WINAPI OtherFilter(EXCEPTION_POINTERS*)
     return EXCEPTION_CONTINUE_SEARCH;
 }
 
-void* WINAPI EndInsteadOfAllocating(HANDLE, DWORD, SIZE_T)
+// The system's dump writer may share the C runtime with this program, and needs memory.
+void* WINAPI AllocateForDumpWriter(HANDLE heap, DWORD flags, SIZE_T size)
 {
+    if (test::IsCalledBy(::GetModuleHandleW(L"dbghelp.dll")))
+        return ::HeapAlloc(heap, flags, size);
     ::TerminateProcess(::GetCurrentProcess(), 99);
     return nullptr;
 }
@@ -147,7 +151,7 @@ void CrashWithoutHeap(void (*crash)())
 #else
     const wchar_t* const runtime = L"msvcrt.dll";
 #endif
-    const test::ImportPatch allocation(runtime, "HeapAlloc", &EndInsteadOfAllocating);
+    const test::ImportPatch allocation(runtime, "HeapAlloc", &AllocateForDumpWriter);
     crash();
 }
 

@@ -1,8 +1,9 @@
 #include "support/FailingHeap.h"
 
+#include "support/Callers.h"
+
 #include <windows.h>
 
-#include <algorithm>
 #include <cstddef>
 
 namespace test
@@ -24,26 +25,9 @@ bool IsWatched()
     return ::GetCurrentThreadId() == g_thread;
 }
 
-// Whether a function of the spared module is among the callers.
-bool IsSpared()
-{
-    if (g_spared == nullptr)
-        return false;
-    constexpr DWORD kMost = 60;
-    void* callers[kMost];
-    const WORD count = ::RtlCaptureStackBackTrace(0, kMost, callers, nullptr);
-    return std::any_of(callers, callers + count, [](const void* caller) {
-        HMODULE module = nullptr;
-        return ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
-                                        GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                                    static_cast<const wchar_t*>(caller), &module) &&
-               module == g_spared;
-    });
-}
-
 bool Fails()
 {
-    if (!IsWatched() || g_left == 0 || IsSpared() || --g_left != 0)
+    if (!IsWatched() || g_left == 0 || IsCalledBy(g_spared) || --g_left != 0)
         return false;
     g_hasFailed = true;
     return true;

@@ -40,8 +40,16 @@ TEST(FailingHeap, CountsWhatIsHeld)
 
 TEST(FailingHeap, SparesWhatIsAllocatedForAModule)
 {
-    const FailingHeap heap(L"libstdc++-6.dll");
+    const FailingHeap heap(L"SupportTests.exe");
     FailingHeap::FailAt(1);
     EXPECT_NO_THROW(std::string(100, 'x'));
     EXPECT_FALSE(FailingHeap::Stop());
+}
+
+TEST(FailingHeap, SparesNoOtherModule)
+{
+    const FailingHeap heap(L"XMLParser.dll");
+    FailingHeap::FailAt(1);
+    EXPECT_THROW(std::string(100, 'x'), std::bad_alloc);
+    EXPECT_TRUE(FailingHeap::Stop());
 }

@@ -61,7 +61,7 @@ TEST(GuardedHeap, CountsBlocksThatWereWrittenAround)
             const GuardedHeap heap(5);
             const auto block = std::make_unique<char[]>(33);
             g_place = place;
-            block.get()[g_place] = 'x';
+            static_cast<volatile char*>(block.get())[g_place] = 'x';
         }
         EXPECT_EQ(GuardedHeap::Damaged(), before + 1) << place;
     }

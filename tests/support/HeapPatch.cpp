@@ -19,9 +19,14 @@ HeapPatch::HeapPatch(const Heap& doubles, Heap& original)
 template <class Function>
 void HeapPatch::Patch(const char* name, Function* replacement, Function*& original)
 {
-    // The last one is this program.
-    constexpr const wchar_t* kModules[] = {L"Kelpkit.dll",    L"XMLParser.dll",   L"liblog4cplusU.dll",
-                                           L"log4cplusU.dll", L"libstdc++-6.dll", nullptr};
+    // The last one is this program. Visual Studio's runtime is left out: each module has its own operator new, and under
+    // Wine the runtime is written in C, which no exception can pass.
+#if defined(_MSC_VER)
+    constexpr const wchar_t* kModules[] = {L"Kelpkit.dll", L"XMLParser.dll", L"log4cplusU.dll", nullptr};
+#else
+    constexpr const wchar_t* kModules[] = {L"Kelpkit.dll", L"XMLParser.dll", L"liblog4cplusU.dll", L"libstdc++-6.dll",
+                                           nullptr};
+#endif
     for (const wchar_t* const module : kModules) {
         try {
             m_patches.push_back(std::make_unique<ImportPatch>(module, name, replacement));

@@ -38,6 +38,7 @@ TEST(GetCPUId, HasFourPartsTheLastOfSixteenDigits)
 }
 
 #if defined(__GNUC__)
+// Where the compiler has no __try. What it has instead calls these functions.
 TEST(GetCPUId, IsReadAlsoWhereFaultsCannotBeTaken)
 {
     test::InOwnProcess([] {

@@ -16,6 +16,8 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <memory>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -85,6 +87,17 @@ COleDateTime ParsedWithResult(HRESULT result)
     return StringToOleDateTime(L"2024-03-05");
 }
 
+// Linkers leave out the import of a function that nothing calls; then there is none to replace.
+template <class Function>
+std::unique_ptr<ImportPatch> PatchIfImported(const char* name, Function* replacement)
+{
+    try {
+        return std::make_unique<ImportPatch>(name, replacement);
+    } catch (const std::runtime_error&) {
+        return nullptr;
+    }
+}
+
 using StringToOleDateTimeUnderCodePage936 = test::UnderCodePage936;
 using StringToOleDateTimeUnderCodePage1252 = test::UnderCodePage1252;
 
@@ -100,10 +113,8 @@ TEST(FixedDates, AreWhatTheyAre)
 
 TEST(FixedDates, WereSetWhenTheLibraryWasLoaded)
 {
-    const ImportPatch toDate(
-        "SystemTimeToVariantTime", +[](SYSTEMTIME*, double*) -> INT { return FALSE; });
-    const ImportPatch fromDate(
-        "VariantTimeToSystemTime", +[](double, SYSTEMTIME*) -> INT { return FALSE; });
+    const auto toDate = PatchIfImported("SystemTimeToVariantTime", +[](SYSTEMTIME*, double*) -> INT { return FALSE; });
+    const auto fromDate = PatchIfImported("VariantTimeToSystemTime", +[](double, SYSTEMTIME*) -> INT { return FALSE; });
     EXPECT_EQ(GetOverDateTime().m_dt, 401596);
     EXPECT_EQ(GetOverDateTime().GetStatus(), COleDateTime::valid);
     EXPECT_EQ(OleDateTimeToMS(COleDateTime(25570.0)), 57600000);
