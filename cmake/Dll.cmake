@@ -7,7 +7,10 @@ function(kelpkit_finish_dll target description)
   target_sources(${target} PRIVATE "${CMAKE_CURRENT_BINARY_DIR}/${target}.rc")
 
   if(MSVC)
-    target_link_options(${target} PRIVATE /HIGHENTROPYVA /DYNAMICBASE /NXCOMPAT /DEBUG /OPT:REF /OPT:ICF)
+    # With /DEBUG the linker keeps what nothing uses, unless it is told otherwise.
+    target_link_options(${target} PRIVATE
+      /HIGHENTROPYVA /DYNAMICBASE /NXCOMPAT /DEBUG $<$<NOT:$<CONFIG:Debug>>:/OPT:REF,ICF>
+    )
   else()
     # Sections that stand in the file as in memory are mapped; others Wine reads whole.
     target_link_options(${target} PRIVATE -Wl,--high-entropy-va,--dynamicbase,--nxcompat,--file-alignment=0x1000)

@@ -48,7 +48,9 @@ foreach(kind EXE SHARED MODULE)
 endforeach()
 
 # The release runtime in every configuration: such a sysroot need not have the debug one, and Wine does not have it.
-set(CMAKE_MSVC_RUNTIME_LIBRARY MultiThreadedDLL)
+if(NOT DEFINED CMAKE_MSVC_RUNTIME_LIBRARY)
+  set(CMAKE_MSVC_RUNTIME_LIBRARY MultiThreadedDLL)
+endif()
 set(CMAKE_TRY_COMPILE_CONFIGURATION Release)
 
 # Libraries for this ABI only: those that `scripts/setup.sh clang-cl` installs, and those in the prefixes that a project

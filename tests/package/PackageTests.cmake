@@ -11,19 +11,22 @@ set_tests_properties(package.install PROPERTIES FIXTURES_SETUP package)
 
 add_test(NAME package.archives
   COMMAND "${CMAKE_COMMAND}" "-DCPACK=${CMAKE_CPACK_COMMAND}" "-DBUILD=${PROJECT_BINARY_DIR}" -DCONFIG=$<CONFIG>
-    "-DSTAGE=${stage}" "-DNAME=Kelpkit-${PROJECT_VERSION}-win64" "-DWORK=${work}/archives"
+    "-DSTAGE=${stage}" "-DNAME=${KELPKIT_PACKAGE_NAME}" "-DWORK=${work}/archives"
     -P "${CMAKE_CURRENT_SOURCE_DIR}/package/CheckArchives.cmake"
 )
 set_tests_properties(package.archives PROPERTIES FIXTURES_REQUIRED package)
 
-# A customer's own settings for the toolchain, not this project's.
-set(customer_options "-DCMAKE_PREFIX_PATH=${stage}" -DCMAKE_BUILD_TYPE=$<CONFIG> "-DCMAKE_CXX_COMPILER=${CMAKE_CXX_COMPILER}")
-if(CMAKE_CROSSCOMPILING)
-  list(APPEND customer_options -DCMAKE_SYSTEM_NAME=Windows "-DCMAKE_RC_COMPILER=${CMAKE_RC_COMPILER}")
-endif()
-if(NOT MINGW)
-  # The package does not bring it.
-  list(APPEND customer_options "-Dlog4cplus_DIR=${log4cplus_DIR}")
+# A customer's own settings for the toolchain, not this project's. For clang-cl there are too many: he takes the
+# project's toolchain file.
+set(customer_options "-DCMAKE_PREFIX_PATH=${stage}" -DCMAKE_BUILD_TYPE=$<CONFIG>)
+if(CMAKE_CROSSCOMPILING AND MSVC)
+  list(APPEND customer_options "-DCMAKE_TOOLCHAIN_FILE=${CMAKE_TOOLCHAIN_FILE}" "-DKELPKIT_SYSROOT=${KELPKIT_SYSROOT}")
+elseif(CMAKE_CROSSCOMPILING)
+  list(APPEND customer_options -DCMAKE_SYSTEM_NAME=Windows
+    "-DCMAKE_CXX_COMPILER=${CMAKE_CXX_COMPILER}" "-DCMAKE_RC_COMPILER=${CMAKE_RC_COMPILER}"
+  )
+else()
+  list(APPEND customer_options "-DCMAKE_CXX_COMPILER=${CMAKE_CXX_COMPILER}")
 endif()
 
 # kelpkit_add_customer(NAME FOLDER): builds the project in the folder against the installed package.
@@ -41,6 +44,35 @@ kelpkit_add_customer(headers "${CMAKE_CURRENT_SOURCE_DIR}/package/headers")
 foreach(example converter host palette tour)
   kelpkit_add_customer(example.${example} "${PROJECT_SOURCE_DIR}/examples/${example}")
 endforeach()
+
+# kelpkit_add_refusal(NAME LANGUAGE EXPECTED OPTION ...): a project with these settings is told that the package does not
+# fit, in words that match. Without a language, the settings stand for a compiler that need not be there.
+function(kelpkit_add_refusal name language expected)
+  add_test(NAME package.refusal.${name}
+    COMMAND "${CMAKE_CTEST_COMMAND}" --build-and-test "${CMAKE_CURRENT_SOURCE_DIR}/package/refusal"
+      "${work}/refusal.${name}" --build-generator "${CMAKE_GENERATOR}"
+      --build-options ${customer_options} "-DLANGUAGE=${language}" "-DEXPECTED=${expected}" ${ARGN}
+  )
+  set_tests_properties(package.refusal.${name} PROPERTIES FIXTURES_REQUIRED package)
+endfunction()
+
+if(MINGW)
+  kelpkit_add_refusal(compiler NONE "mingw-w64" -UCMAKE_TOOLCHAIN_FILE -DMSVC=ON -DMSVC_VERSION=1944)
+  if(KELPKIT_ABI STREQUAL "mingw-msvcrt")
+    kelpkit_add_refusal(runtime CXX "C runtime" -DCMAKE_CXX_FLAGS=-D_UCRT)
+  endif()
+else()
+  kelpkit_add_refusal(compiler NONE "Visual Studio" -DMINGW=ON)
+  kelpkit_add_refusal(static-runtime NONE "/MDd?," -DMSVC=ON -DCMAKE_MSVC_RUNTIME_LIBRARY=MultiThreaded)
+  if(NOT KELPKIT_ABI MATCHES "-debug$")
+    kelpkit_add_refusal(debug-runtime NONE "MultiThreadedDebugDLL" -DMSVC=ON -DCMAKE_BUILD_TYPE=Debug
+      -DCMAKE_MSVC_RUNTIME_LIBRARY=
+    )
+  endif()
+  if(NOT KELPKIT_USE_MFC)
+    kelpkit_add_refusal(mfc NONE "without MFC" -DMSVC=ON -DCMAKE_MFC_FLAG=2)
+  endif()
+endif()
 
 find_program(KELPKIT_PKG_CONFIG NAMES pkgconf pkg-config)
 if(MINGW AND KELPKIT_PKG_CONFIG)

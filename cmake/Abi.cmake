@@ -1,0 +1,23 @@
+# Compiler and runtime that the package is for. Its name and its CMake configuration say so, as a C++ DLL of one compiler
+# is of no use to another.
+if(MINGW)
+  include(CheckCXXSymbolExists)
+  check_cxx_symbol_exists(_UCRT cstdlib KELPKIT_RUNTIME_IS_UCRT)
+  if(KELPKIT_RUNTIME_IS_UCRT)
+    set(KELPKIT_ABI mingw-ucrt)
+    set(kelpkit_is_msvcrt 0)
+  else()
+    set(KELPKIT_ABI mingw-msvcrt)
+    set(kelpkit_is_msvcrt 1)
+  endif()
+else()
+  set(KELPKIT_ABI msvc-v${MSVC_TOOLSET_VERSION})
+  if(NOT KELPKIT_USE_MFC)
+    string(APPEND KELPKIT_ABI -without-mfc)
+  endif()
+  # A toolchain file may have set another runtime than the usual one.
+  if(CMAKE_BUILD_TYPE STREQUAL "Debug" AND NOT CMAKE_MSVC_RUNTIME_LIBRARY STREQUAL "MultiThreadedDLL")
+    string(APPEND KELPKIT_ABI -debug)
+  endif()
+endif()
+set(KELPKIT_PACKAGE_NAME "Kelpkit-${PROJECT_VERSION}-win64-${KELPKIT_ABI}")
