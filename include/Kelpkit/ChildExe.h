@@ -48,9 +48,10 @@ public:
     /// nothing is started.
     ///
     /// Waits, without limit, until the program is idle, and then until it has a window. After each eight seconds or so
-    /// without one, a message box asks "启动exe超时,是否继续等待?" (caption "提示"): Yes waits on; No gives false, and the
-    /// program goes on running with nothing hosted. False also where the program cannot be started, has no message queue,
-    /// as console programs, or ends before it is idle. A program that starts another one and ends is not followed.
+    /// without one, a message box asks in Chinese whether to go on waiting: Yes waits on; No gives false, and the
+    /// program goes on running with nothing hosted. False also where the program cannot be started, has no message
+    /// queue (console programs have none), or ends before it is idle. A program that starts another one and ends is not
+    /// followed.
     ///
     /// The window is the first of the program's top-level windows that the system lists, or the topmost one that it
     /// belongs to. The handles of the process and its thread are never closed.

@@ -50,9 +50,14 @@ KELPKIT_API std::wstring GetFileExtion(const std::wstring& path);
 /// -1073741824, one of 4 GiB gives 0.
 KELPKIT_API int GetFileSize(const std::wstring& path);
 
-/// Whether the file can be used: opened for reading, as CheckFileExis does. If not, msg holds the reason: "文件名为空"
-/// for an empty path, "文件不存在!" where the file cannot be opened (it may exist, and be denied or held by another
-/// process), "文件正在使用!" where it can be opened but not read. If so, msg is empty. path may be msg itself.
+/// Whether the file can be used: opened for reading, as CheckFileExis does. If so, msg is empty. If not, it holds the
+/// reason, one of three Chinese texts, which the guide quotes:
+/// - the path is empty;
+/// - the file does not exist: said of every file that cannot be opened, also of one that is denied or held by another
+///   process;
+/// - the file is in use: it can be opened but not read.
+///
+/// path may be msg itself.
 KELPKIT_API bool CheckFileValid(const std::wstring& path, std::wstring& msg);
 
 /// Makes a folder and the parents that it lacks. The result does not tell whether the folder exists afterwards

@@ -46,8 +46,8 @@ public:
     /// Writes text, zero-terminated, at the given severity; a null text writes nothing. May be called from any thread.
     ///
     /// The text goes through the ANSI code page, and each byte of that becomes one wide character of the log event:
-    /// under code page 936, L"中" arrives at the appenders as the two characters U+00D6 U+00D0, and in a log file as
-    /// the bytes D6 D0, so that the file reads as GBK. Characters that the code page lacks are lost.
+    /// under code page 936, L"\u4E2D" arrives at the appenders as the two characters U+00D6 U+00D0, and in a log file
+    /// as the bytes D6 D0, so that the file reads as GBK. Characters that the code page lacks are lost.
     ///
     /// Every event names the same file and function, and a line number that stands for the severity: FATAL 53,
     /// ERROR 48, WARN 68, INFO 58, DEBUG 43, TRACE 63, ALL 73.

@@ -23,9 +23,9 @@ namespace KELPKIT
 /// strOutputName  The converter's third argument: the outputs are named strOutputName + "_new.qmx" and "_new.hsf".
 /// strNewHsfFile  Receives the path of the new .hsf file; empty if the model has none, or on failure.
 /// strNewQmxFile  Receives the path of the new .qmx file; empty on failure.
-/// strErrorMsg    Receives the reason of a failure, else empty: "转换工具Pelvane.exe不存在!" where there is no
-///                converter, "升级进程启动失败!" where it does not start, "Qmx文件升级失败!" where the new .qmx file is
-///                missing. The same text is logged at LV_TRACE.
+/// strErrorMsg    Receives the reason of a failure, else empty: one of three Chinese texts, which the guide quotes, for
+///                a converter that is missing, one that does not start, and a new .qmx file that is missing. The same
+///                text is logged at LV_TRACE.
 ///
 /// Returns whether the new .qmx file is there. That is all that is looked at: a converter that fails is noticed by the
 /// missing file only, and a file left by an earlier run counts as found.

@@ -23,11 +23,11 @@ namespace KELPKIT
 // platform refuses gives an empty result, and so does one whose result has 2147483647 units or more.
 
 /// ANSI to UTF-16. A byte that the code page does not define comes out as the platform maps it.
-/// Under code page 936, the bytes D6 D0 give L"中".
+/// Under code page 936, the bytes D6 D0 give L"\u4E2D".
 KELPKIT_API std::wstring AnsiToUnicode(const std::string& text);
 
 /// UTF-16 to ANSI. A character that the code page lacks comes out as the system's default character, as a rule
-/// "?", or as one that looks alike. Under code page 936, L"中" gives the bytes D6 D0; under 1252, "?".
+/// "?", or as one that looks alike. Under code page 936, L"\u4E2D" gives the bytes D6 D0; under 1252, "?".
 KELPKIT_API std::string UnicodeToAnsi(const std::wstring& text);
 
 /// UTF-8 (RFC 3629) to UTF-16. Invalid sequences give U+FFFD; a byte order mark stays as U+FEFF.
@@ -49,7 +49,7 @@ KELPKIT_API std::string ConvertGBKToUtf8(const std::wstring& text);
 /// Same as UnicodeToAnsi.
 KELPKIT_API std::string ConvertTStringToString(const std::wstring& text);
 
-/// Same as UnicodeToUTF8: the result is UTF-8, not ANSI. L"中" gives the bytes E4 B8 AD on every system.
+/// Same as UnicodeToUTF8: the result is UTF-8, not ANSI. L"\u4E2D" gives the bytes E4 B8 AD on every system.
 KELPKIT_API std::string ConvertGBKToAnsi(const std::wstring& text);
 
 /// Returns a copy of the argument, embedded zeros and all.
@@ -161,8 +161,8 @@ public:
 /// "900150983cd24fb0d6963f7d28e17f72".
 KELPKIT_API bool BuildMd5Code(const std::string& input, std::string& output);
 
-/// Stores the digest of input in the ANSI code page (UnicodeToAnsi) in output: under code page 936, that of L"中" is the
-/// digest of the bytes D6 D0. The same text may thus have another digest on another system. Always true.
+/// Stores the digest of input in the ANSI code page (UnicodeToAnsi) in output: under code page 936, that of L"\u4E2D" is
+/// the digest of the bytes D6 D0. The same text may thus have another digest on another system. Always true.
 KELPKIT_API bool BuildMd5Code(const std::wstring& input, std::wstring& output);
 
 /// The digest of a file's contents; empty where CheckFileValid (Files.h) is false for the path. The file may be larger
