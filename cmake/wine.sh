@@ -2,12 +2,14 @@
 # Wine as the tests use it.
 #
 #   wine.sh run PROGRAM [ARGUMENT ...]   runs a Windows program
-#   wine.sh start                        keeps the Wine server alive, so that each program starts at once
-#   wine.sh stop                         ends it, with every program that still runs under it
+#   wine.sh start                        keeps the Wine server alive, so that each program starts at once, and gives the
+#                                        programs a screen where DISPLAY names none
+#   wine.sh stop                         ends it, with every program that still runs under it, and the screen
 #   wine.sh make                         makes the prefix anew
 #
 # KELPKIT_CODE_PAGE  ANSI code page: 936 (default) or 1252. Each has a prefix of its own in build/wine.
-# KELPKIT_RESULTS    folder that receives GoogleTest's XML report of the run (optional).
+# KELPKIT_RESULTS    folder that receives GoogleTest's XML report of the run (optional). A program that ends without a
+#                    report has failed, whatever its exit code.
 set -eu
 
 root=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd)
@@ -57,23 +59,62 @@ make_prefix() {
 
 run() {
     program=$1
+    report=
     shift
     case $program in
     */*) program=$(CDPATH='' cd -- "$(dirname -- "$program")" && pwd)/$(basename -- "$program") ;;
     esac
     if [ -n "${KELPKIT_RESULTS:-}" ]; then
-        GTEST_OUTPUT="xml:Z:$KELPKIT_RESULTS/$(basename -- "$program" .exe)-$code_page.xml"
+        report=$KELPKIT_RESULTS/$(basename -- "$program" .exe)-$code_page.xml
+        rm -f "$report"
+        GTEST_OUTPUT=xml:Z:$report
         export GTEST_OUTPUT
     fi
+    if [ -z "${DISPLAY:-}" ] && [ -s "$WINEPREFIX/display" ]; then
+        DISPLAY=:$(cat "$WINEPREFIX/display")
+        export DISPLAY
+    fi
     cd "$WINEPREFIX/drive_c/work"
-    exec $wine "$program" "$@"
+    [ -n "$report" ] || exec $wine "$program" "$@"
+    status=0
+    $wine "$program" "$@" || status=$?
+    # A program that dies may report success under Wine. The report is what it writes last.
+    if [ ! -s "$report" ]; then
+        echo "wine.sh: $program has ended before its tests had (exit code $status)" >&2
+        exit 1
+    fi
+    exit "$status"
+}
+
+start_display() {
+    stop_display
+    Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$WINEPREFIX/display" &
+    echo $! >"$WINEPREFIX/display.pid"
+    attempts=100
+    until [ -s "$WINEPREFIX/display" ] || [ "$attempts" -eq 0 ]; do
+        attempts=$((attempts - 1))
+        sleep 0.1
+    done
+    DISPLAY=:$(cat "$WINEPREFIX/display")
+    export DISPLAY
+}
+
+stop_display() {
+    [ ! -s "$WINEPREFIX/display.pid" ] || kill "$(cat "$WINEPREFIX/display.pid")" 2>/dev/null || true
+    rm -f "$WINEPREFIX/display" "$WINEPREFIX/display.pid"
 }
 
 # Wine's own services outlive the program that starts them, so they must not hold its output open.
 start() {
     exec </dev/null >/dev/null 2>&1
+    [ -n "${DISPLAY:-}" ] || start_display
     wineserver --persistent || true # it may run already
     $wine cmd /c exit
+}
+
+stop() {
+    wineserver --kill || true
+    stop_display
 }
 
 command=$1
@@ -82,7 +123,7 @@ shift
 case $command in
 run) run "$@" ;;
 start) start ;;
-stop) wineserver --kill || true ;;
+stop) stop ;;
 make) make_prefix ;;
 *)
     echo "wine.sh: unknown command $command" >&2

@@ -1,19 +1,29 @@
 #!/usr/bin/env bash
 # Installs and builds what is missing, then runs every test, each under the code pages 936 and 1252.
 #
-#     test.sh [CTEST ARGUMENT ...]        such as: test.sh -R TextTests
+#     test.sh [--preset PRESET] [CTEST ARGUMENT ...]        such as: test.sh -R TextTests
+#
+# The preset is mingw-release, or clang-cl-release for Visual Studio's ABI.
 set -euo pipefail
 
 root=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd)
-results=$root/build/mingw-release/test-results
-"$root/scripts/setup.sh"
-"$root/scripts/build.sh"
+preset=mingw-release
+if [ "${1:-}" = --preset ]; then
+    preset=$2
+    shift 2
+fi
+results=$root/build/$preset/test-results
+case $preset in
+clang-cl-*) "$root/scripts/setup.sh" clang-cl ;;
+*) "$root/scripts/setup.sh" ;;
+esac
+"$root/scripts/build.sh" "$preset"
 
 rm -rf "$results"
 mkdir -p "$results"
 cd "$root"
 status=0
-xvfb-run -a ctest --preset mingw-release "$@" || status=$?
+ctest --preset "$preset" "$@" || status=$?
 
 # One report for each run of a test program; its first element sums it up.
 count() { cat "$results"/*.xml 2>/dev/null | grep -c "$1" || true; }
@@ -22,7 +32,7 @@ skipped=$(count '<testcase .*result="skipped"')
 failed=$(cat "$results"/*.xml 2>/dev/null | awk -F'"' '/^<testsuites / { sum += $4 } END { print sum + 0 }' || true)
 summary="$((ran - failed)) passed, $failed failed, $skipped skipped (these need the other code page)"
 if [ "$status" -ne 0 ]; then
-    echo "test: the whole log is in $root/build/mingw-release/Testing/Temporary/LastTest.log"
+    echo "test: the whole log is in $root/build/$preset/Testing/Temporary/LastTest.log"
     echo "test: FAILED, see above for what: $summary"
     exit "$status"
 fi

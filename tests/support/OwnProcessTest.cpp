@@ -1,5 +1,6 @@
 #include "support/OwnProcess.h"
 
+#include "support/EnvironmentVariable.h"
 #include "support/Process.h"
 
 #include <gtest/gtest.h>
@@ -34,6 +35,8 @@ TEST(InOwnProcess, DISABLED_WithAFailedExpectation)
 
 TEST(InOwnProcess, FailsWithAFailedExpectation)
 {
+    // The report of this run must not be the other's.
+    const test::EnvironmentVariable noReport(L"GTEST_OUTPUT", L"");
     EXPECT_EQ(test::Run(L"\"" + test::BesideThisProgram(L"SupportTests.exe") +
                         L"\" --gtest_also_run_disabled_tests --gtest_filter=InOwnProcess.DISABLED_*"),
               1U);
