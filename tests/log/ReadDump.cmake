@@ -2,6 +2,7 @@
 #
 #     cmake -DWINE=... -DBIN=<folder of the programs> -DWORK=... -DLLDB=... -P ReadDump.cmake
 #     cmake -DWINE=... -DBIN=<folder of the programs> -DWORK=... -DADDR2LINE=... -DOBJDUMP=... -P ReadDump.cmake
+#     cmake -DWINE=... -DBIN=<folder of the programs> -DWORK=... -DSYMBOLIZER=... -DOBJCOPY=... -P ReadDump.cmake
 
 cmake_minimum_required(VERSION 3.25)
 
@@ -42,9 +43,8 @@ function(read_with_lldb way)
   expect_shown(lldb "${shown}" ${ARGN})
 endfunction()
 
-# The compiler's own tools: no debugger, only the place of the exception and the file of symbols. What is inlined there
-# stands in front.
-function(read_with_addr2line)
+# Sets `offset` to the place in Kelpkit.dll where the exception of a dump was raised.
+function(find_exception)
   make_dump(kelpkit)
   execute_process(
     COMMAND "${WINE}" run "${windows_bin}\\ExceptionPlace.exe" "Z:${dump}"
@@ -53,7 +53,13 @@ function(read_with_addr2line)
   if(NOT place MATCHES "^kelpkit.dll (0x[0-9a-f]+)")
     message(FATAL_ERROR "The exception was raised elsewhere: ${place}")
   endif()
-  set(offset "${CMAKE_MATCH_1}")
+  set(offset "${CMAKE_MATCH_1}" PARENT_SCOPE)
+endfunction()
+
+# The compiler's own tools: no debugger, only the place of the exception and the file of symbols. What is inlined there
+# stands in front.
+function(read_with_addr2line)
+  find_exception()
   execute_process(
     COMMAND "${OBJDUMP}" -p "${BIN}/Kelpkit.dll.debug" OUTPUT_VARIABLE headers COMMAND_ERROR_IS_FATAL ANY
   )
@@ -64,6 +70,18 @@ function(read_with_addr2line)
     OUTPUT_VARIABLE shown COMMAND_ERROR_IS_FATAL ANY
   )
   expect_shown(addr2line "${shown}" "Encode[^\n]*\n[^\n]*/src/text/Base64[^\n]*:[0-9]+")
+endfunction()
+
+# LLVM's tool for .pdb files, which finds the one of a DLL by itself. It prefers DWARF, which libraries of a sysroot may
+# have brought into the DLL.
+function(read_with_symbolizer)
+  find_exception()
+  execute_process(COMMAND "${OBJCOPY}" --strip-debug "${BIN}/Kelpkit.dll" "${WORK}/Kelpkit.dll" COMMAND_ERROR_IS_FATAL ANY)
+  execute_process(
+    COMMAND "${SYMBOLIZER}" "--obj=${WORK}/Kelpkit.dll" --relative-address "${offset}"
+    OUTPUT_VARIABLE shown COMMAND_ERROR_IS_FATAL ANY
+  )
+  expect_shown(llvm-symbolizer "${shown}" "Encode[^\n]*\n[^\n]*/src/text/Base64[^\n]*:[0-9]+")
 endfunction()
 
 if(LLDB)
@@ -80,4 +98,7 @@ if(LLDB)
 endif()
 if(ADDR2LINE)
   read_with_addr2line()
+endif()
+if(SYMBOLIZER)
+  read_with_symbolizer()
 endif()
