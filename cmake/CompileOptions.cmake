@@ -9,6 +9,13 @@ if(MSVC)
     NOMINMAX _CRT_SECURE_NO_WARNINGS _WINSOCK_DEPRECATED_NO_WARNINGS
   )
   target_compile_options(KelpkitCompileOptions INTERFACE /W4 /WX /wd4310 /utf-8 /permissive- /EHsc)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+    # clang-cl takes GCC's extensions, which Visual Studio's compiler does not.
+    target_compile_options(KelpkitCompileOptions INTERFACE
+      -Wpedantic -Wconversion -Wshadow
+      -Wno-deprecated-declarations -Wno-language-extension-token
+    )
+  endif()
 else()
   target_compile_options(KelpkitCompileOptions INTERFACE
     -Wall -Wextra -Werror -Wpedantic -Wcast-qual -Wconversion -Wduplicated-cond -Wextra-semi -Wlogical-op

@@ -1,5 +1,4 @@
-# Targets that look at the sources only: format lays them out; format-check, tidy and msvc-syntax fail where something
-# is to be said.
+# Targets that look at the sources only: format lays them out; the others fail on findings.
 
 if(CMAKE_HOST_UNIX)
   set(check "${PROJECT_SOURCE_DIR}/cmake/check-sources.sh")
@@ -18,8 +17,8 @@ if(CMAKE_HOST_UNIX)
   add_custom_target(tidy-library
     COMMAND "${check}" tidy "${PROJECT_BINARY_DIR}" "src xmlparser mfc examples" ${arguments} USES_TERMINAL VERBATIM
   )
-  # Finds what only GCC takes, as far as clang tells it.
-  add_custom_target(msvc-syntax
-    COMMAND "${check}" msvc-syntax "${PROJECT_BINARY_DIR}" ${arguments} USES_TERMINAL VERBATIM
-  )
+  add_custom_target(gnu-names COMMAND "${check}" gnu-names VERBATIM)
+  if(MSVC)
+    add_custom_target(mfc-syntax COMMAND "${check}" mfc-syntax "${PROJECT_BINARY_DIR}" USES_TERMINAL VERBATIM)
+  endif()
 endif()

@@ -6,9 +6,10 @@
 #     check-sources.sh tidy BUILD-FOLDER SOURCES ARGUMENT ...
 #                                              runs clang-tidy over what the build folder's compile commands name of
 #                                              the SOURCES, folders with blanks between; the arguments go to its compiler
-#     check-sources.sh msvc-syntax BUILD-FOLDER ARGUMENT ...
-#                                              has clang read the library, the examples and the tests as Visual Studio
-#                                              would, their branches for it included; the arguments go to clang
+#     check-sources.sh gnu-names               fails where Visual Studio would meet a name that only GCC and clang have
+#     check-sources.sh mfc-syntax BUILD-FOLDER
+#                                              compiles what sees MFC's types, of a build with clang-cl, as if the
+#                                              toolchain had MFC, whose headers must come before windows.h
 set -euo pipefail
 
 root=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd)
@@ -29,37 +30,28 @@ tidy)
         grep -v "^$root/build/" | grep -v '\.\(rc\|s\)$' | sort -u |
         xargs -P "$(nproc)" -n 1 clang-tidy --quiet -p "$folder" "${arguments[@]}"
     ;;
-msvc-syntax)
-    folder=$2
-    work=$folder/msvc-syntax
-    shift 2
-    ours() { grep -rhoE "$1" examples include mfc src tests xmlparser --include='*.cpp' --include='*.h' | sort -u; }
-    # Each source once, with its folders and definitions.
-    commands() {
-        sed -n 's/.*"command": "[^ ]* \(.*\)",$/\1/p' "$folder/compile_commands.json" |
-            grep " -c $root/\(examples\|mfc\|src\|tests\|xmlparser\)/.*\.cpp$" | awk '!seen[$NF]++' |
-            sed -E 's/\\(.)/\1/g; s/ -([fgOW]|std=|DNDEBUG|D_GLIBCXX_)[^ ]*//g; s/ -o [^ ]* -c / /'
-    }
-    compiler=(clang++ "$@" -std=c++17 -fms-extensions -fpch-instantiate-templates -DNOMINMAX)
-
-    # What others wrote is read first, as mingw has it, save delayimp.h, which stands no second reading. Then names that
-    # look like a compiler's own are forbidden, unless Visual Studio has them.
-    known='__(GNUC|MINGW32|VA_ARGS)__|__(cdecl|cpuid(ex)?|declspec|except|halt|has_include|int64|stdcall|try|ud2)'
-    known+='|__m(128|256|512)i|__mmask[0-9]+'
-    mkdir -p "$work"
-    {
-        printf '#include <%s>\n' winsock2.h windows.h
-        ours '^ *#include <[^>]+>' | grep -v '<Kelpkit/\|<delayimp' |
-            sed -E 's/.*(<.*>)/#if __has_include(\1)\n#include \1\n#endif/'
-        echo '#include "VisualStudio.h"'
-        ours '\b__[A-Za-z][A-Za-z0-9_]*' | grep -vxE "$known" | sed 's/^/#pragma GCC poison /'
-    } >"$work/others.h"
-    commands | grep -oE -- '-(isystem |D(GTEST_|PUGIXML_|_?UNICODE|_WIN32_WINNT))[^ ]*' | sort -u |
-        xargs "${compiler[@]}" -w -iquote cmake/msvc-syntax -x c++-header "$work/others.h" -o "$work/others.pch"
-
-    commands | xargs -P "$(nproc)" -L 1 "${compiler[@]}" -fsyntax-only -I cmake/msvc-syntax \
-        -include-pch "$work/others.pch" -pedantic-errors -Werror -Wall -Wextra -Wconversion -Wshadow \
-        -Wno-deprecated-declarations -Wno-potentially-evaluated-expression
+gnu-names)
+    # The branches for Visual Studio of our own sources, without what they include and with their macros as they stand.
+    known='__(FILE|LINE|VA_ARGS|AFX_H|ATL(STR|COMTIME)_H)__|__(cdecl|cpuid(ex)?|declspec|except|halt|int64|stdcall)'
+    known+='|__(try|ud2|m(128|256|512)i|mmask[0-9]+|wine_x11_whole_window)'
+    status=0
+    while read -r source; do
+        sed 's/^ *# *include.*//' "$source" |
+            x86_64-w64-mingw32-cpp -undef -fdirectives-only -w -P -D_MSC_VER=1930 -D_WIN32 -DKELPKIT_USE_MFC=0 -x c++ - |
+            grep -v '^#define __' | grep -oE '\b(__[A-Za-z][A-Za-z0-9_]*|asm|typeof)\b' | grep -vxE "$known" | sort -u |
+            sed "s|^|$source: Visual Studio does not have |" | grep . && status=1
+    done < <(sources | grep -v '^\(bench\|fuzz\)/')
+    exit "$status"
+    ;;
+mfc-syntax)
+    folder=$(realpath "$2")
+    # What sees the types of MFC, as the build has noted it.
+    objects=$(ninja -C "$folder" -t deps | awk '/^[^ ]/ { object = $1 } /\/Kelpkit\/Mfc\.h$/ { print "/Fo" object }' | tr : ' ')
+    [ -n "$objects" ] || { echo "check-sources.sh: nothing in $folder sees Mfc.h; build it first" >&2; exit 1; }
+    cd "$folder"
+    sed -n 's/.*"command": "\(.*\)",$/\1/p' compile_commands.json | grep -F "$objects" |
+        sed -E "s/\\\\(.)/\\1/g; s/-DKELPKIT_USE_MFC=0/-DKELPKIT_USE_MFC=1 -D_AFXDLL/; s| -c -- | -Zs -I$root/cmake/mfc-syntax -- |" |
+        xargs -P "$(nproc)" -L 1 env
     ;;
 *)
     echo "check-sources.sh: unknown command $1" >&2

@@ -414,8 +414,8 @@ TEST(StorageQuery, ReadsNoTextOutsideTheDescriptor)
         {Offset::kProduct, Descriptor("x", nullptr, "S1"), L"x-S1"},
         {Offset::kSerial, Descriptor("x", nullptr, nullptr), L"x-"},
     };
-    for (const auto& [place, descriptor, id] : cases) {
-        InOwnProcess([place = place, descriptor = descriptor, id = id] {
+    for (const auto& row : cases) {
+        InOwnProcess([place = row.place, descriptor = row.descriptor, id = row.id] {
             std::string bytes = descriptor;
             bytes.resize(9000);
             bytes.resize(10000, 'y');

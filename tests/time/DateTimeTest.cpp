@@ -113,8 +113,10 @@ TEST(FixedDates, AreWhatTheyAre)
 
 TEST(FixedDates, WereSetWhenTheLibraryWasLoaded)
 {
-    const auto toDate = PatchIfImported("SystemTimeToVariantTime", +[](SYSTEMTIME*, double*) -> INT { return FALSE; });
-    const auto fromDate = PatchIfImported("VariantTimeToSystemTime", +[](double, SYSTEMTIME*) -> INT { return FALSE; });
+    const auto toDate = PatchIfImported(
+        "SystemTimeToVariantTime", +[](SYSTEMTIME*, double*) -> INT { return FALSE; });
+    const auto fromDate = PatchIfImported(
+        "VariantTimeToSystemTime", +[](double, SYSTEMTIME*) -> INT { return FALSE; });
     EXPECT_EQ(GetOverDateTime().m_dt, 401596);
     EXPECT_EQ(GetOverDateTime().GetStatus(), COleDateTime::valid);
     EXPECT_EQ(OleDateTimeToMS(COleDateTime(25570.0)), 57600000);
