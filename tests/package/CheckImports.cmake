@@ -9,7 +9,7 @@ set(windows advapi32.dll bcrypt.dll crypt32.dll dbghelp.dll gdi32.dll iphlpapi.d
   ole32.dll oleaut32.dll shell32.dll shlwapi.dll user32.dll version.dll ws2_32.dll
 )
 # Of Visual Studio's runtime, which packages bring or leave to its own setup.
-set(redistributable "^(vcruntime140(_1)?d?|msvcp140d?(_1d?|_2d?|_atomic_waitd?)?|ucrtbased?|api-ms-win-crt-.*)\\.dll$")
+set(redistributable "^(vcruntime140.*|msvcp140.*|concrt140d?|mfcm?140.*|ucrtbased?|api-ms-win-crt-.*)\\.dll$")
 
 file(GLOB dlls "${BIN}/*.dll")
 set(shipped)
