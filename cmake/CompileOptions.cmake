@@ -1,5 +1,8 @@
 # How Kelpkit's own sources are compiled and linked.
 
+# Not inside of other projects, whose compilers may find what ours do not.
+set(CMAKE_COMPILE_WARNING_AS_ERROR ${PROJECT_IS_TOP_LEVEL})
+
 add_library(KelpkitCompileOptions INTERFACE)
 target_compile_definitions(KelpkitCompileOptions INTERFACE UNICODE _UNICODE _WIN32_WINNT=0x0601)
 if(MSVC)
@@ -8,7 +11,7 @@ if(MSVC)
   target_compile_definitions(KelpkitCompileOptions INTERFACE
     NOMINMAX _CRT_SECURE_NO_WARNINGS _WINSOCK_DEPRECATED_NO_WARNINGS
   )
-  target_compile_options(KelpkitCompileOptions INTERFACE /W4 /WX /wd4310 /utf-8 /permissive- /EHsc)
+  target_compile_options(KelpkitCompileOptions INTERFACE /W4 /wd4310 /utf-8 /permissive- /EHsc)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
     # clang-cl takes GCC's extensions, which Visual Studio's compiler does not.
     target_compile_options(KelpkitCompileOptions INTERFACE
@@ -18,7 +21,7 @@ if(MSVC)
   endif()
 else()
   target_compile_options(KelpkitCompileOptions INTERFACE
-    -Wall -Wextra -Werror -Wpedantic -Wcast-qual -Wconversion -Wduplicated-cond -Wextra-semi -Wlogical-op
+    -Wall -Wextra -Wpedantic -Wcast-qual -Wconversion -Wduplicated-cond -Wextra-semi -Wlogical-op
     -Wnon-virtual-dtor -Wold-style-cast -Woverloaded-virtual -Wshadow -Wsign-conversion
     -Wundef -Wunused -g
   )

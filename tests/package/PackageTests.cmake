@@ -45,6 +45,21 @@ foreach(example converter host palette tour)
   kelpkit_add_customer(example.${example} "${PROJECT_SOURCE_DIR}/examples/${example}")
 endforeach()
 
+# The sources as a part of another project, with what that was told of the toolchain here.
+set(subproject_options "-DKELPKIT_SOURCES=${PROJECT_SOURCE_DIR}" -DCMAKE_BUILD_TYPE=Debug)
+if(CMAKE_TOOLCHAIN_FILE)
+  list(APPEND subproject_options "-DCMAKE_TOOLCHAIN_FILE=${CMAKE_TOOLCHAIN_FILE}")
+endif()
+if(KELPKIT_SYSROOT)
+  list(APPEND subproject_options "-DKELPKIT_SYSROOT=${KELPKIT_SYSROOT}")
+endif()
+add_test(NAME package.subproject
+  COMMAND "${CMAKE_CTEST_COMMAND}" --build-and-test "${CMAKE_CURRENT_SOURCE_DIR}/package/subproject" "${work}/subproject"
+    --build-generator "${CMAKE_GENERATOR}" --build-noclean --build-options ${subproject_options}
+    --test-command "${CMAKE_COMMAND}" "-DBUILD=${work}/subproject" "-DPREFIX=${work}/subproject.prefix"
+      -P "${CMAKE_CURRENT_SOURCE_DIR}/package/CheckNothingInstalled.cmake"
+)
+
 # kelpkit_add_refusal(NAME LANGUAGE EXPECTED OPTION ...): a project with these settings is told that the package does not
 # fit, in words that match. Without a language, the settings stand for a compiler that need not be there.
 function(kelpkit_add_refusal name language expected)
