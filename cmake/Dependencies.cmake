@@ -2,7 +2,12 @@
 # scripts/setup.sh put into build/deps among them; else the sources on this machine.
 
 # The wide-character build of log4cplus 2.0, shared. Its target's name tells the build: log4cplusU is the wide one.
-find_package(log4cplus 2.0 CONFIG REQUIRED)
+find_package(log4cplus 2.0 CONFIG QUIET)
+if(NOT log4cplus_FOUND)
+  message(FATAL_ERROR "The libraries that Kelpkit builds on are not there. Run scripts/setup.sh first (for clang-cl: "
+    "scripts/setup.sh clang-cl; with Visual Studio, vcpkg brings them)."
+  )
+endif()
 if(TARGET log4cplus::log4cplusU)
   set(KELPKIT_LOG4CPLUS log4cplus::log4cplusU)
 elseif(TARGET log4cplus::log4cplus)

@@ -13,4 +13,10 @@ if(KELPKIT_DOXYGEN AND Python3_FOUND)
     COMMENT "Writing the reference"
     VERBATIM
   )
+else()
+  add_custom_target(reference
+    COMMAND "${CMAKE_COMMAND}" -E echo "Doxygen or Python 3 is missing; scripts/setup.sh dev installs both. Then configure again."
+    COMMAND "${CMAKE_COMMAND}" -E false
+    VERBATIM
+  )
 endif()

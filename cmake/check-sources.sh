@@ -17,10 +17,18 @@ cd "$root"
 # Those of this project, in the working tree as they are.
 sources() { find bench examples fuzz include mfc src tests xmlparser -name '*.h' -o -name '*.cpp' | sort; }
 
+require_tool() {
+    command -v "$1" >/dev/null 2>&1 || { echo "check-sources.sh: $1 is missing; scripts/setup.sh dev installs it" >&2; exit 1; }
+}
+
 case $1 in
-format) sources | xargs clang-format -i ;;
-format-check) sources | xargs clang-format --dry-run --Werror ;;
+format | format-check)
+    require_tool clang-format
+    if [ "$1" = format ]; then set -- -i; else set -- --dry-run --Werror; fi
+    sources | xargs clang-format "$@"
+    ;;
 tidy)
+    require_tool clang-tidy
     folder=$2
     sources=$(for dir in $3; do printf '^%s/\n' "$(realpath "$dir")"; done)
     shift 3

@@ -2,6 +2,11 @@
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 
+find_program(KELPKIT_MINGW_COMPILER x86_64-w64-mingw32-g++-posix)
+mark_as_advanced(KELPKIT_MINGW_COMPILER)
+if(NOT KELPKIT_MINGW_COMPILER)
+  message(FATAL_ERROR "There is no x86_64-w64-mingw32-g++-posix. On Debian, Kelpkit's scripts/setup.sh installs it.")
+endif()
 set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
