@@ -44,6 +44,8 @@ require_prefix() {
 }
 
 make_prefix() {
+    # What an interrupted attempt has left running.
+    [ ! -d "$WINEPREFIX" ] || wineserver --kill || true
     rm -rf "$WINEPREFIX"
     mkdir -p "$WINEPREFIX"
     $wine wineboot --init

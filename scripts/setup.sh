@@ -1,12 +1,15 @@
 #!/usr/bin/env bash
-# Makes a bare Debian 12 machine able to build, run and test Kelpkit: installs what is missing, builds the
-# libraries that Debian does not offer for mingw into build/deps, and makes the Wine prefixes in build/wine.
-# Safe to run again; what is there is left alone.
+# Makes a bare Debian 12 or 13, or a system derived from one of them, able to build, run and test Kelpkit: installs what
+# is missing, builds the libraries that Debian does not offer for mingw into build/deps, and makes the Wine prefixes in
+# build/wine. Safe to run again, also after it was interrupted; what is there is left alone.
 #
 #     setup.sh            what building, running and testing need
+#     setup.sh dev        and what the everyday targets need: format, tidy, reference, and the tests that read crash dumps
 #     setup.sh bench      and what the benchmarks need: Google Benchmark and the libraries that Kelpkit is compared with
 #     setup.sh clang-cl   and what builds with Visual Studio's ABI need: clang-cl and lld-link, and the libraries built for
 #                         that ABI into build/deps-clang-cl; KELPKIT_SYSROOT names the sysroot, see CONTRIBUTING.md
+#
+# Several of these words may be given at once.
 set -euo pipefail
 
 root=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd)
@@ -18,17 +21,21 @@ packages='to build for 64-bit Windows: binutils-mingw-w64-x86-64 cmake g++-mingw
 to run what was built: wine wine64
 a screen for its windows: xauth xvfb
 locales, from which Wine takes its code page: locales
-libraries that Kelpkit uses: libboost-dev patch
+libraries that Kelpkit uses: debian-archive-keyring libboost-dev patch
 to test: googletest pkgconf'
-case ${1:-} in
-'') ;;
-bench) packages+=$'\n''libraries to compare with: libfmt-dev libgcrypt-mingw-w64-dev libspdlog-dev' ;;
-clang-cl) packages+=$'\n''to build with the ABI of Visual Studio: clang-tools-19 lld-19 llvm-19' ;;
-*)
-    echo "setup: unknown argument $1" >&2
-    exit 2
-    ;;
-esac
+parts=
+for part in "$@"; do
+    parts+=" $part "
+    case $part in
+    dev) packages+=$'\n''for the everyday targets: clang clang-format clang-tidy doxygen lldb python3' ;;
+    bench) packages+=$'\n''libraries to compare with: libfmt-dev libgcrypt-mingw-w64-dev libspdlog-dev' ;;
+    clang-cl) packages+=$'\n''to build with the ABI of Visual Studio: clang-tools-19 lld-19 llvm-19' ;;
+    *)
+        echo "setup: unknown argument $part" >&2
+        exit 2
+        ;;
+    esac
+done
 if [ -n "${KELPKIT_EXTRA_PACKAGES:-}" ]; then
     packages+=$'\n'"for the script that was started: $KELPKIT_EXTRA_PACKAGES"
 fi
@@ -49,20 +56,20 @@ as_root() {
     elif command -v sudo >/dev/null 2>&1; then
         sudo "$@"
     else
-        say "this needs root, and there is no sudo: $*" >&2
-        exit 1
+        say "this needs root, and there is no sudo: $*"
+        return 1
     fi
 }
 
-require_debian_12() {
-    if [ -r /etc/os-release ] && (. /etc/os-release && [ "${ID:-}" = debian ] && [ "${VERSION_ID:-}" = 12 ]); then
-        return
-    fi
+require_debian() {
+    local system=
+    [ ! -r /etc/os-release ] || system=$(. /etc/os-release && printf '%s %s' "${ID:-}" "${ID_LIKE:-}")
+    case " $system " in
+    *' debian '*) return ;;
+    esac
     cat >&2 <<END
-setup: this script knows Debian 12 only. Elsewhere, Kelpkit needs:
-  - CMake 3.25, Ninja, mingw-w64 for x86_64 with GCC 12 and POSIX threads, patch
-  - Wine 8 (64-bit), Xvfb, and the locales zh_CN.UTF-8 and en_US.UTF-8
-  - the sources of GoogleTest and log4cplus 2.0, pugixml 1.13, and Boost's headers
+setup: this script knows Debian and systems derived from it. Elsewhere, use the container:
+    docker build -t kelpkit . && docker run --rm kelpkit
 or, on Windows, Visual Studio 2022 with vcpkg: cmake --workflow --preset msvc-release
 END
     exit 1
@@ -88,9 +95,28 @@ install_packages() {
         all="$all $missing"
     done <<<"$packages"
     [ -n "$all" ] || return 0
-    step apt-update as_root apt-get update
+    # An installation that was interrupted must be finished first.
+    step dpkg-configure as_root dpkg --configure -a
+    step apt-update as_root apt-get update -o APT::Update::Error-Mode=any
+    # shellcheck disable=SC2086 # the list is meant to be split
+    require_available $all
     # shellcheck disable=SC2086 # the list is meant to be split
     step apt-install as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends $all
+}
+
+# A system derived from Debian may lack some.
+require_available() {
+    local package candidate unavailable=
+    for package in "$@"; do
+        candidate=$(apt-cache policy "$package" | sed -n 's/^  Candidate: //p')
+        case $candidate in
+        '' | '(none)') unavailable+=" $package" ;;
+        esac
+    done
+    if [ -n "$unavailable" ]; then
+        say "FAILED: this system does not offer these packages:$unavailable" >&2
+        exit 1
+    fi
 }
 
 generate_locales() {
@@ -103,14 +129,14 @@ generate_locales() {
     done
 }
 
-# Downloads Debian's source package of $1, with package lists of its own, so that the machine's apt configuration stays
-# as it is.
+# Downloads Debian 12's source package of $1, whatever the machine runs, so that everybody builds the same: with package
+# lists of its own, so that the machine's apt configuration stays as it is, and by the signature of Debian's archive.
 download_source() {
     local name=$1 apt=$downloads mirror
     say "fetching the sources of $name"
     rm -rf "$apt/download"
     mkdir -p "$apt/lists/partial" "$apt/cache/archives/partial" "$apt/download"
-    mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Codename: bookworm' \
+    mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Origin: Debian' 'Label: Debian' \
         'Component: main' 2>/dev/null | head -n 1)
     printf 'deb-src [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] %s bookworm main\n' \
         "${mirror:-http://deb.debian.org/debian/}" >"$apt/sources.list"
@@ -208,17 +234,19 @@ build_libraries() {
     link_headers boost
 }
 
-require_debian_12
+require_debian
 mkdir -p "$logs"
 install_packages
 generate_locales
-if [ "${1:-}" = clang-cl ]; then
-    build_libraries clang-cl "$root/build/deps-clang-cl"
-fi
+case $parts in
+*' clang-cl '*) build_libraries clang-cl "$root/build/deps-clang-cl" ;;
+esac
 build_libraries mingw-w64-x86_64 "$root/build/deps"
-if [ "${1:-}" = bench ]; then
+case $parts in
+*' bench '*)
     build_benchmark
     link_headers fmt spdlog
-fi
+    ;;
+esac
 for entry in $code_pages; do make_wine_prefix "${entry%%:*}"; done
 say "ready"

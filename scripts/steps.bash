@@ -1,5 +1,7 @@
 # For the scripts beside it: steps that take long, and say so. Sourced, not run.
 
+trap 'echo "$(basename -- "$0" .sh): interrupted; run it again to go on" >&2; exit 130' INT TERM
+
 # run_step WHO LOG COMMAND ...: runs the command with its output in the log, and says every quarter of a minute how far it
 # is. If it fails, shows the end of the log, names it, and ends the script.
 run_step() {
