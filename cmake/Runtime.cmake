@@ -3,15 +3,19 @@
 
 set(KELPKIT_RUNTIME_DLLS)
 
-# kelpkit_bring_dll(FILE COMMAND ...): makes FILE in the folder of the programs with the command, which gets two more
-# arguments: the file's present place and its new one.
+# kelpkit_bring_dll(FILE): with mingw a stripped copy: the loader reads the whole file, and debug information makes up most
+# of it.
 function(kelpkit_bring_dll file)
   cmake_path(GET file FILENAME name)
   set(copy "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${name}")
+  set(command "${CMAKE_COMMAND}" -E copy)
+  if(MINGW)
+    set(command "${CMAKE_OBJCOPY}" --strip-all)
+  endif()
   add_custom_command(
     OUTPUT "${copy}"
     COMMAND "${CMAKE_COMMAND}" -E make_directory "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}"
-    COMMAND ${ARGN} "${file}" "${copy}"
+    COMMAND ${command} "${file}" "${copy}"
     DEPENDS "${file}"
     COMMENT "Bringing ${name}"
     VERBATIM
@@ -30,8 +34,6 @@ if(NOT KELPKIT_LOG4CPLUS_IMPLIB)
   get_target_property(KELPKIT_LOG4CPLUS_IMPLIB ${KELPKIT_LOG4CPLUS} IMPORTED_IMPLIB_RELEASE)
 endif()
 if(MINGW)
-  # The loader reads the whole file, and debug information makes up most of it.
-  set(strip "${CMAKE_OBJCOPY}" --strip-all)
   foreach(name libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
     execute_process(
       COMMAND "${CMAKE_CXX_COMPILER}" "-print-file-name=${name}"
@@ -41,11 +43,9 @@ if(MINGW)
     if(NOT EXISTS "${file}")
       message(FATAL_ERROR "The compiler does not know its runtime ${name}")
     endif()
-    kelpkit_bring_dll("${file}" ${strip})
+    kelpkit_bring_dll("${file}")
   endforeach()
-  kelpkit_bring_dll("${KELPKIT_LOG4CPLUS_DLL}" ${strip})
-else()
-  kelpkit_bring_dll("${KELPKIT_LOG4CPLUS_DLL}" "${CMAKE_COMMAND}" -E copy)
 endif()
+kelpkit_bring_dll("${KELPKIT_LOG4CPLUS_DLL}")
 
 add_custom_target(KelpkitRuntime ALL DEPENDS ${KELPKIT_RUNTIME_DLLS})
