@@ -11,6 +11,7 @@
 #if defined(_MSC_VER)
 #error "Define KELPKIT_USE_MFC: as 0 where the name of the Kelpkit package says without-mfc, as 1 where it does not."
 #else
+/// 1 for MFC's own types, 0 for the stand-ins.
 #define KELPKIT_USE_MFC 0
 #endif
 #endif
