@@ -10,7 +10,8 @@ run_step() {
     : >"$log"
     show_progress "$who" "$log" &
     watcher=$!
-    "$@" >"$log" 2>&1 || status=$?
+    # In a shell of its own, so that what an interruption says does not go to the log.
+    ("$@") >"$log" 2>&1 || status=$?
     kill "$watcher" 2>/dev/null || true
     wait "$watcher" 2>/dev/null || true
     [ "$status" -ne 0 ] || return 0
