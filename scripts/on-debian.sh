@@ -39,7 +39,7 @@ say "a bare Debian $release in $system"
 mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Origin: Debian' 'Label: Debian' \
     'Component: main' 2>/dev/null | head -n 1)
 run_step on-debian "$logs/debootstrap-$release.log" debootstrap --variant=minbase --cache-dir="$cache" "$release" "$system" \
-    "${mirror:-http://deb.debian.org/debian/}"
+    ${mirror:+"$mirror"}
 # To find the mirror.
 cp /etc/resolv.conf "$system/etc/"
 mount -t proc proc "$system/proc"
