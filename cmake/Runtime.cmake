@@ -23,7 +23,7 @@ function(kelpkit_bring_dll file)
   set(KELPKIT_RUNTIME_DLLS ${KELPKIT_RUNTIME_DLLS} "${copy}" PARENT_SCOPE)
 endfunction()
 
-# Of the configuration that is built, or the one that stands for it.
+# Of the configuration that is built, or of the one that CMake takes instead.
 set(config)
 if(CMAKE_BUILD_TYPE)
   string(TOUPPER "_${CMAKE_BUILD_TYPE}" config)

@@ -36,8 +36,7 @@ unmount
 trap unmount EXIT
 rm -rf --one-file-system "$system"
 say "a bare Debian $release in $system"
-mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Origin: Debian' 'Label: Debian' \
-    'Component: main' 2>/dev/null | head -n 1)
+mirror=$(debian_mirror)
 run_step on-debian "$logs/debootstrap-$release.log" debootstrap --variant=minbase --cache-dir="$cache" "$release" "$system" \
     ${mirror:+"$mirror"}
 # To find the mirror.

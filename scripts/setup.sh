@@ -136,8 +136,7 @@ download_source() {
     say "fetching the sources of $name"
     rm -rf "$apt/download"
     mkdir -p "$apt/lists/partial" "$apt/cache/archives/partial" "$apt/download"
-    mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Origin: Debian' 'Label: Debian' \
-        'Component: main' 2>/dev/null | head -n 1)
+    mirror=$(debian_mirror)
     printf 'deb-src [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg] %s bookworm main\n' \
         "${mirror:-http://deb.debian.org/debian/}" >"$apt/sources.list"
     set -- -o "Dir::Etc::sourcelist=$apt/sources.list" -o Dir::Etc::sourceparts=- \

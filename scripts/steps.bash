@@ -1,4 +1,4 @@
-# For the scripts beside it: steps that take long, and say so. Sourced, not run.
+# For the scripts beside it: steps that take long, and say so; the mirror of Debian. Sourced, not run.
 
 trap 'echo "$(basename -- "$0" .sh): interrupted; run it again to go on" >&2; exit 130' INT TERM
 
@@ -27,4 +27,10 @@ show_progress() {
     while sleep 15 >/dev/null 2>&1 && kill -0 $$ 2>/dev/null; do
         echo "$who:   $((SECONDS - start)) s: $(tail -c 400 "$log" | tr -s '\r' '\n' | tail -n 1 | cut -c 1-100)"
     done
+}
+
+# The mirror of Debian's archive that this machine uses; nothing if it uses none.
+debian_mirror() {
+    apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Origin: Debian' 'Label: Debian' \
+        'Component: main' 2>/dev/null | head -n 1
 }

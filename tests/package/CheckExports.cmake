@@ -10,7 +10,7 @@ include("${CMAKE_CURRENT_LIST_DIR}/ReadPe.cmake")
 
 cmake_path(GET LIST FILENAME list_name)
 
-# Sets `names` to what they stand for.
+# Demangles `names`.
 function(demangle_names)
   list(JOIN names "\n" text)
   set(names_file "${WORK}/${list_name}.names")

@@ -61,7 +61,7 @@ add_test(NAME package.subproject
 )
 
 # kelpkit_add_refusal(NAME LANGUAGE EXPECTED OPTION ...): a project with these settings is told that the package does not
-# fit, in words that match. Without a language, the settings stand for a compiler that need not be there.
+# fit, and its reason matches EXPECTED. With LANGUAGE NONE, the settings simulate a compiler that need not be installed.
 function(kelpkit_add_refusal name language expected)
   add_test(NAME package.refusal.${name}
     COMMAND "${CMAKE_CTEST_COMMAND}" --build-and-test "${CMAKE_CURRENT_SOURCE_DIR}/package/refusal"
