@@ -63,6 +63,9 @@ public:
     /// property set. May be called again to move the log. Without SetProperties before, no appender is defined and
     /// nothing is written. Where memory runs out while log4cplus gives up the appenders before, it ends the process. Must
     /// not run while another thread is in SetProperties or SetLogPath.
+    ///
+    /// The file opened is the one named, also where the name holds "${NAME}", which log4cplus replaces by an environment
+    /// variable everywhere else.
     KELPKIT_API static void SetLogPath(const std::wstring& logFile);
 };
 

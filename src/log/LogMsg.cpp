@@ -86,6 +86,18 @@ void CreateFolders(const std::wstring& folder)
         ::CreateDirectoryW(folder.substr(0, end).c_str(), nullptr);
 }
 
+// log4cplus replaces "${NAME}" by an environment variable, which is meant for what the property file says. The log file is
+// the one that the caller named.
+class Configurator : public log4cplus::PropertyConfigurator
+{
+public:
+    Configurator(const log4cplus::helpers::Properties& all, const std::wstring& logFile) : PropertyConfigurator(all)
+    {
+        // The base class has cut "log4cplus." off the keys.
+        properties.setProperty(L"appender.fileAppender.File", logFile);
+    }
+};
+
 // log4cplus throws where a configuration makes no sense to it. Callers are promised that nothing is reported, save
 // that memory ran out.
 template <class Action>
@@ -131,7 +143,7 @@ void CLogMsg::SetLogPath(const std::wstring& logFile)
         CreateFolders(folder);
     WithoutReport([&] {
         g_properties.setProperty(L"log4cplus.appender.fileAppender.File", logFile);
-        log4cplus::PropertyConfigurator(g_properties, log4cplus::Logger::getDefaultHierarchy()).configure();
+        Configurator(g_properties, logFile).configure();
     });
 }
 

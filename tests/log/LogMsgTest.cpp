@@ -22,6 +22,7 @@
 #include <atomic>
 #include <climits>
 #include <clocale>
+#include <cstdlib>
 #include <locale>
 #include <map>
 #include <sstream>
@@ -145,6 +146,21 @@ public:
 private:
     std::string m_cLocale;
     std::locale m_cppLocale;
+};
+
+// A variable of the environment as the C runtime has it, which is a copy of the process's own.
+class RuntimeVariable
+{
+public:
+    RuntimeVariable(const wchar_t* name, const wchar_t* value) : m_name(name) { Set(value); }
+    RuntimeVariable(const RuntimeVariable&) = delete;
+    RuntimeVariable& operator=(const RuntimeVariable&) = delete;
+    ~RuntimeVariable() { Set(L""); }
+
+private:
+    void Set(const std::wstring& value) const { EXPECT_EQ(::_wputenv((m_name + L"=" + value).c_str()), 0); }
+
+    std::wstring m_name;
 };
 
 } // namespace
@@ -406,6 +422,30 @@ TEST_F(FileLog, SetLogPathMovesTheLog)
     CLogMsg::LogMsg(LV_INFO, L"three");
     EXPECT_EQ(Lines(Folder() / L"first.log"), "one\nthree\n");
     EXPECT_EQ(Lines(Folder() / L"second.log"), "two\n");
+}
+
+TEST_F(FileLog, SetLogPathOpensTheFileOfThatNameWhateverItHolds)
+{
+    const RuntimeVariable variable(L"KELPKIT_TEST_FOLDER", L"elsewhere");
+    for (const wchar_t* const name :
+         {L"${KELPKIT_TEST_FOLDER}.log", L"${KELPKIT_TEST_FOLDER.log", L"${}.log", L"%KELPKIT_TEST_FOLDER%.log",
+          L"#a=b, c!.log", L" a  b.log", L"\x00D6\x00D0.log"}) {
+        SCOPED_TRACE(UnicodeToUTF8(name));
+        StartLog(Folder() / name);
+        CLogMsg::LogMsg(LV_INFO, L"text");
+        ASSERT_TRUE(CheckFileExis(Folder() / name));
+        EXPECT_EQ(Lines(Folder() / name), "text\n");
+    }
+}
+
+TEST_F(FileLog, FillsInVariablesThatThePropertyFileNames)
+{
+    const RuntimeVariable variable(L"KELPKIT_TEST_WORD", L"word");
+    WriteProperties(std::string(kProperties) +
+                    "log4cplus.appender.fileAppender.layout.ConversionPattern=${KELPKIT_TEST_WORD} %m%n\n");
+    StartLog(Folder() / L"run.log");
+    CLogMsg::LogMsg(LV_INFO, L"text");
+    EXPECT_EQ(Lines(Folder() / L"run.log"), "word text\n");
 }
 
 TEST_F(FileLog, SetPropertiesDropsThePathUntilTheNextSetLogPath)
