@@ -86,8 +86,8 @@ void CreateFolders(const std::wstring& folder)
         ::CreateDirectoryW(folder.substr(0, end).c_str(), nullptr);
 }
 
-// log4cplus replaces "${NAME}" by an environment variable, which is meant for what the property file says. The log file is
-// the one that the caller named.
+// log4cplus replaces "${NAME}" by an environment variable, which is meant for what the property file says. The log file
+// is the one that the caller named.
 class Configurator : public log4cplus::PropertyConfigurator
 {
 public:
