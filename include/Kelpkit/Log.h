@@ -64,6 +64,8 @@ public:
     /// nothing is written. Where memory runs out while log4cplus gives up the appenders before, it ends the process. Must
     /// not run while another thread is in SetProperties or SetLogPath.
     ///
+    /// Other threads may log meanwhile; each message arrives before or after the change, none is lost.
+    ///
     /// The file opened is the one named, also where the name holds "${NAME}", which log4cplus replaces by an environment
     /// variable everywhere else.
     KELPKIT_API static void SetLogPath(const std::wstring& logFile);

@@ -1,10 +1,9 @@
 // Runs the configurations that docs/log.md shows, as they stand there.
 
-#include "support/CodePage.h"
 #include "support/FileContents.h"
 #include "support/ImportPatch.h"
+#include "support/LastError.h"
 #include "support/Process.h"
-#include "support/RecordingAppender.h"
 #include "support/TempFolder.h"
 
 #include <Kelpkit/Files.h>
@@ -132,6 +131,18 @@ std::wstring DateOf(std::chrono::system_clock::time_point time)
     return text;
 }
 
+void SetLastWrite(const std::wstring& path, std::chrono::system_clock::time_point time)
+{
+    constexpr long long kTicksTo1970 = 116444736000000000; // of 100 nanoseconds, from 1601 on
+    const long long ticks =
+        std::chrono::duration_cast<std::chrono::nanoseconds>(time.time_since_epoch()).count() / 100 + kTicksTo1970;
+    const FILETIME fileTime = {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
+    const HANDLE file =
+        ::CreateFileW(path.c_str(), FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    EXPECT_TRUE(::SetFileTime(file, nullptr, nullptr, &fileTime)) << test::LastErrorText();
+    ::CloseHandle(file);
+}
+
 void LogAt(std::chrono::system_clock::time_point time, const wchar_t* text)
 {
     const log4cplus::Logger logger = log4cplus::Logger::getInstance(L"log");
@@ -205,6 +216,21 @@ TEST_F(LogGuide, BeginsAFileEachDay)
     EndLog();
     ExpectLines(LogFile() + L"." + DateOf(today), {kTime + "INFO  first", kTime + "INFO  second"});
     ExpectLines(LogFile(), {kTime + "INFO  third", kTime + "INFO  fourth"});
+}
+
+TEST_F(LogGuide, BeginsAFileWhereThatOfAnotherDayIsFound)
+{
+    const auto now = std::chrono::system_clock::now();
+    StartLog("One file a day");
+    CLogMsg::LogMsg(LV_INFO, L"first");
+    EndLog();
+    SetLastWrite(LogFile(), now - std::chrono::hours(49));
+    StartLog("One file a day");
+    CLogMsg::LogMsg(LV_INFO, L"second");
+    CLogMsg::LogMsg(LV_INFO, L"third");
+    EndLog();
+    ExpectLines(LogFile() + L"." + DateOf(now - std::chrono::hours(49)), {kTime + "INFO  first"});
+    ExpectLines(LogFile(), {kTime + "INFO  second", kTime + "INFO  third"});
 }
 
 TEST_F(LogGuide, TakesTheLinesOfSeveralProcesses)

@@ -578,29 +578,35 @@ TEST_F(FileLog, LosesAndTearsNothingOfEightThreads)
     EXPECT_EQ(next.size(), static_cast<std::size_t>(kThreads));
 }
 
-TEST_F(FileLog, MovesWhileThreadsLogAndTearsNothing)
+TEST_F(FileLog, LosesAndTearsNothingWhileItMoves)
 {
+    constexpr int kMoves = 100;
     StartLog(Folder() / L"0.log");
     std::atomic<bool> ends = false;
+    int sent[4] = {};
     std::thread threads[4];
-    for (std::thread& thread : threads) {
-        thread = std::thread([&ends] {
+    for (int i = 0; i < 4; ++i) {
+        threads[i] = std::thread([&ends, &count = sent[i], i] {
             while (!ends)
-                CLogMsg::LogMsg(LV_INFO, L"线程 text");
+                CLogMsg::LogMsg(LV_INFO, (std::to_wstring(i) + L" 线程 " + std::to_wstring(count++)).c_str());
         });
     }
-    for (int i = 1; i <= 40; ++i)
-        CLogMsg::SetLogPath(Folder() / (std::to_wstring(i % 4) + L".log"));
+    for (int i = 1; i <= kMoves; ++i)
+        CLogMsg::SetLogPath(Folder() / (std::to_wstring(i) + L".log"));
     ends = true;
     for (std::thread& thread : threads)
         thread.join();
 
-    const std::string whole = UnicodeToAnsi(L"线程 text");
-    for (const wchar_t* const name : {L"0.log", L"1.log", L"2.log", L"3.log"}) {
-        std::istringstream lines(Lines(Folder() / name));
-        for (std::string line; std::getline(lines, line);)
-            ASSERT_EQ(line, whole);
+    int next[4] = {};
+    for (int i = 0; i <= kMoves; ++i) {
+        std::istringstream lines(Lines(Folder() / (std::to_wstring(i) + L".log")));
+        for (std::string line; std::getline(lines, line);) {
+            const int thread = line[0] - '0';
+            ASSERT_EQ(line, UnicodeToAnsi(std::to_wstring(thread) + L" 线程 " + std::to_wstring(next[thread]++)));
+        }
     }
+    for (int i = 0; i < 4; ++i)
+        EXPECT_EQ(next[i], sent[i]);
 }
 
 TEST(CLogMsg, CanBeMadeCopiedAndAssigned)
