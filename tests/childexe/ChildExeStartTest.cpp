@@ -232,6 +232,41 @@ TEST_F(ChildExeStart, ProgramsThatEndAtOnceFail)
     EXPECT_FALSE(child.CloseSubWindow());
 }
 
+// Systems differ in what the wait returns for a program that ends during it.
+TEST_F(ChildExeStart, EndedProgramFailsAtOnceWhereTheWaitFails)
+{
+    const Pauses pauses;
+    const Searches searches;
+    const Boxes boxes({});
+    const ImportPatch wait(
+        "WaitForInputIdle", +[](HANDLE, DWORD) -> DWORD {
+            EXPECT_TRUE(StartedPrograms::HasEnded(StartedPrograms::Last()));
+            return WAIT_FAILED;
+        });
+    EXPECT_FALSE(Create(ChildWindow(L"--end")));
+    EXPECT_TRUE(Pauses::All().empty());
+    EXPECT_EQ(Searches::Count(), 0);
+    EXPECT_TRUE(Boxes::All().empty());
+}
+
+TEST_F(ChildExeStart, EndedProgramComesToTheQuestionWhereTheWaitSaysIdle)
+{
+    const Pauses pauses;
+    const Searches searches;
+    const Boxes boxes({IDYES, IDNO});
+    const ImportPatch wait(
+        "WaitForInputIdle", +[](HANDLE, DWORD) -> DWORD {
+            EXPECT_TRUE(StartedPrograms::HasEnded(StartedPrograms::Last()));
+            return 0;
+        });
+    EXPECT_FALSE(Create(ChildWindow(L"--end")));
+    ASSERT_EQ(Boxes::All().size(), 2U);
+    EXPECT_EQ(Boxes::All()[0].failedSearches, 81);
+    EXPECT_EQ(Boxes::All()[1].failedSearches, 162);
+    EXPECT_EQ(child.HasSubWindow(), 0);
+    EXPECT_FALSE(child.CloseSubWindow());
+}
+
 TEST_F(ChildExeStart, WaitThatFailsEndsTheStart)
 {
     const Pauses pauses;
