@@ -24,6 +24,12 @@ bool Fail(const wchar_t* reason, std::wstring& errorMsg)
     return false;
 }
 
+// The text as a command line can hold it.
+std::wstring UpToZero(const std::wstring& text)
+{
+    return text.substr(0, text.find(L'\0'));
+}
+
 std::wstring InQuotes(const std::wstring& argument)
 {
     return L" \"" + argument + L"\"";
@@ -51,6 +57,10 @@ bool ConvertHoopsQmx(const std::wstring& strInputFile, const std::wstring& strSe
                      const std::wstring& strOutputName, std::wstring& strNewHsfFile, std::wstring& strNewQmxFile,
                      std::wstring& strErrorMsg)
 {
+    // A result may be stored in an argument.
+    const std::wstring input = UpToZero(strInputFile);
+    const std::wstring secondArg = UpToZero(strSecondArg);
+    const std::wstring outputName = UpToZero(strOutputName);
     strNewHsfFile.clear();
     strNewQmxFile.clear();
     strErrorMsg.clear();
@@ -60,10 +70,10 @@ bool ConvertHoopsQmx(const std::wstring& strInputFile, const std::wstring& strSe
         return Fail(L"转换工具Pelvane.exe不存在!", strErrorMsg);
 
     // By contract the path is not quoted, and nothing in the arguments is escaped.
-    if (!RunHidden(converter + InQuotes(strInputFile) + InQuotes(strSecondArg) + InQuotes(strOutputName)))
+    if (!RunHidden(converter + InQuotes(input) + InQuotes(secondArg) + InQuotes(outputName)))
         return Fail(L"升级进程启动失败!", strErrorMsg);
 
-    const std::wstring output = GetFileDir(strInputFile) + strOutputName;
+    const std::wstring output = GetFileDir(input) + outputName;
     const std::wstring qmx = output + L"_new.qmx";
     const std::wstring hsf = output + L"_new.hsf";
     if (!Exists(qmx))

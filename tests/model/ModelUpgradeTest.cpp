@@ -231,6 +231,74 @@ TEST_F(ModelUpgrade, LooksForTheOutputsBehindTheWholePathOfAnInputWithoutBacksla
     ASSERT_TRUE(::SetCurrentDirectoryW(L"..\\..")) << test::LastErrorText();
 }
 
+// "/" is no separator here, whatever it is to the converter.
+TEST_F(ModelUpgrade, LooksForTheOutputsBehindTheWholePathOfAnInputWithSlashesOnly)
+{
+    InstallConverter(L"Pelvane.exe");
+    std::wstring input = Model();
+    StringReplace(input, L"\\", L"/");
+    EXPECT_FALSE(Upgrade(input, L"full", L"out"));
+    EXPECT_TRUE(CheckFileExis(ModelFolder() + L"out_new.qmx")) << "where this converter has written them";
+    WriteFileBytes(ModelFolder() + L"gear.qmxout_new.qmx", "x");
+    EXPECT_TRUE(Upgrade(input, L"none", L"out"));
+    EXPECT_EQ(qmx, input + L"out_new.qmx");
+}
+
+TEST_F(ModelUpgrade, LooksForTheOutputsBehindTheLastBackslashOfAnInput)
+{
+    InstallConverter(L"Pelvane.exe");
+    WriteFileBytes(ModelFolder() + L"out_new.qmx", "x");
+    EXPECT_TRUE(Upgrade(ModelFolder() + L"sub/gear.qmx", L"none", L"out"));
+    EXPECT_EQ(qmx, ModelFolder() + L"out_new.qmx");
+}
+
+TEST_F(ModelUpgrade, JoinsAnArgumentThatEndsInABackslashToTheNext)
+{
+    InstallConverter(L"ReportingConverter.exe");
+    EXPECT_FALSE(Upgrade(ModelFolder(), L"full", L"gear"));
+    EXPECT_FALSE(Upgrade(Model(), L"full\\", L"gear"));
+    EXPECT_EQ(error, L"Qmx文件升级失败!") << "this converter wants three arguments";
+
+    WriteFileBytes(ModelFolder() + L"gear_new.qmx", "stale");
+    EXPECT_TRUE(Upgrade(ModelFolder(), L"full", L"gear"));
+    EXPECT_EQ(qmx, ModelFolder() + L"gear_new.qmx") << "a folder is looked into itself";
+}
+
+TEST_F(ModelUpgrade, TakesAnArgumentThatIsAlsoAResult)
+{
+    InstallConverter(L"Pelvane.exe");
+    for (int pair = 0; pair < 9; ++pair) {
+        const std::wstring name = L"gear" + std::to_wstring(pair);
+        std::wstring arguments[] = {Model(), L"full", name};
+        std::wstring others[3];
+        std::wstring* results[] = {&others[0], &others[1], &others[2]};
+        results[pair % 3] = &arguments[pair / 3];
+        EXPECT_TRUE(ConvertHoopsQmx(arguments[0], arguments[1], arguments[2], *results[0], *results[1], *results[2]))
+            << pair;
+        EXPECT_EQ(*results[0], ModelFolder() + name + L"_new.hsf") << pair;
+        EXPECT_EQ(*results[1], ModelFolder() + name + L"_new.qmx") << pair;
+        EXPECT_EQ(*results[2], L"") << pair;
+    }
+}
+
+TEST_F(ModelUpgrade, EndsEachArgumentAtItsFirstZeroCharacter)
+{
+    InstallConverter(L"Pelvane.exe");
+    const std::wstring rest(L"\0\\x", 3);
+    const std::vector<std::vector<std::wstring>> cases = {
+        {Model() + rest, L"full", L"one"},
+        {Model(), L"full" + rest, L"two"},
+        {Model(), L"full", L"three" + rest},
+        {Model() + rest, L"full" + rest, L"four" + rest},
+    };
+    for (const std::vector<std::wstring>& arguments : cases) {
+        EXPECT_TRUE(Upgrade(arguments[0], arguments[1], arguments[2]));
+        const std::wstring name = arguments[2].substr(0, arguments[2].find(L'\0'));
+        EXPECT_EQ(qmx, ModelFolder() + name + L"_new.qmx");
+        EXPECT_EQ(hsf, ModelFolder() + name + L"_new.hsf");
+    }
+}
+
 TEST_F(ModelUpgrade, WaitsForTheConverterToEnd)
 {
     InstallConverter(L"Pelvane.exe");
