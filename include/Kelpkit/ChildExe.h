@@ -52,10 +52,10 @@ public:
     /// hosted, and the program is left as it is. False at once where the program cannot be started or has no message
     /// queue (console programs have none). A program that starts another one and ends is not followed.
     ///
-    /// Whether a program has ended is not looked at. For one that ends before it is idle, the result is false at once if
-    /// Windows' wait (WaitForInputIdle) fails; if the wait counts the program as idle, the search for its window runs in
-    /// vain until the message box is answered. The box also comes for one that ends when it is idle and has no window
-    /// yet.
+    /// Whether a program has ended is not looked at. For one that ends before it is idle, the result is false at once
+    /// if Windows' wait (WaitForInputIdle) fails; if the wait counts the program as idle, the search for its window
+    /// runs in vain until the message box is answered. The box also comes for one that ends when it is idle and has no
+    /// window yet.
     ///
     /// The window is the first of the program's top-level windows that the system lists, or the topmost one that it
     /// belongs to. The handles of the process and its thread are never closed.

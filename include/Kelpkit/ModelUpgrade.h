@@ -33,8 +33,8 @@ namespace KELPKIT
 ///
 /// The command line is the converter's path, then the three arguments, each in double quotes. Nothing is escaped: a
 /// double quote in an argument splits it, and a backslash at the end of one joins it to the next. Either way the
-/// converter does not get its three arguments; so an input path must not end in a backslash. The converter's path is not
-/// quoted: where it holds a blank, Windows tries the part before the blank as a program first.
+/// converter does not get its three arguments; so an input path must not end in a backslash. The converter's path is
+/// not quoted: where it holds a blank, Windows tries the part before the blank as a program first.
 ///
 /// May be called from any thread. Two calls for the same folder and strOutputName at a time write the same files. The
 /// process and thread handles of the converter stay open. Each argument ends at its first zero character. The results

@@ -69,6 +69,10 @@ KELPKIT_API std::wstring GetCPUId();
 /// characters then stand as the drive stores them, exchanged in pairs: the model "ST1000DM003" is "TS0100MD00 3".
 /// Otherwise Windows is asked, and the model is empty as a rule: "-WD-WCC4N1234567". So the same disk has two
 /// identifiers. May initialise COM's security for the process; COM itself is afterwards as it was.
+///
+/// When Windows is asked, WMI is asked for the names of the disks. It is waited for at most two minutes for the
+/// connection, and half a minute for each disk and for the end of their list. If it fails or takes longer, the drives
+/// are identified without its names. The answers of the drives themselves have no time limit.
 KELPKIT_API std::wstring GetHDDId();
 
 /// A code for processor and disks together: for each disk, of which GetHDDId gives the first, the MD5 digest

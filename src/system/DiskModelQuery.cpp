@@ -9,6 +9,10 @@ namespace KELPKIT
 namespace
 {
 
+// Time for a sleeping disk to start, since WMI asks the disks.
+constexpr LONG kMostMillisecondsForADisk = 30000;
+
+// Waits for two minutes at most, where WMI would wait for ever without the flag.
 ComReference<IWbemServices> Connect()
 {
     void* object = nullptr;
@@ -18,8 +22,8 @@ ComReference<IWbemServices> Connect()
 
     const Bstr path(::SysAllocString(L"ROOT\\CIMV2"));
     IWbemServices* services = nullptr;
-    if (path == nullptr ||
-        FAILED(locator->ConnectServer(path.get(), nullptr, nullptr, nullptr, 0, nullptr, nullptr, &services)))
+    if (path == nullptr || FAILED(locator->ConnectServer(path.get(), nullptr, nullptr, nullptr,
+                                                         WBEM_FLAG_CONNECT_USE_MAX_WAIT, nullptr, nullptr, &services)))
         return nullptr;
     ComReference<IWbemServices> connection(services);
     if (FAILED(::CoSetProxyBlanket(services, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr, RPC_C_AUTHN_LEVEL_CALL,
@@ -53,7 +57,8 @@ std::vector<CString> QueryDiskModels()
     while (true) {
         IWbemClassObject* object = nullptr;
         ULONG count = 0;
-        if (FAILED(disks->Next(static_cast<LONG>(WBEM_INFINITE), 1, &object, &count)))
+        const HRESULT result = disks->Next(kMostMillisecondsForADisk, 1, &object, &count);
+        if (FAILED(result) || result == WBEM_S_TIMEDOUT)
             return {};
         if (count == 0 || object == nullptr)
             return models;

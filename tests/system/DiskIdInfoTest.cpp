@@ -13,6 +13,7 @@
 #include <windows.h>
 
 #include <objbase.h>
+#include <wbemidl.h>
 #include <winioctl.h>
 
 #include <cstdint>
@@ -510,6 +511,19 @@ TEST(StorageQuery, KeepsTheNamesWhereWmiFailsAtAnyStep)
             EXPECT_EQ(GetHDDId(), L"x-S1") << step;
             EXPECT_EQ(FakeWmi::Steps().end()[-2], step) << "nothing is asked after it";
             EXPECT_EQ(FakeWmi::Steps().back(), "CoUninitialize");
+            EXPECT_EQ(FakeWmi::Unreleased(), 0) << step;
+        });
+    }
+}
+
+TEST(StorageQuery, KeepsTheNamesWhereWmiHangs)
+{
+    for (const char* const step : {"Next", "Next 2"}) {
+        InOwnProcess([step] {
+            const FakeWmi wmi({kModelAbcd + L"xx", L"xyz"}, step, WBEM_S_TIMEDOUT);
+            const FakeDrives drives({QueryDrive(nullptr, "x", "S1")});
+            EXPECT_EQ(GetHDDId(), L"x-S1") << step;
+            EXPECT_EQ(FakeWmi::Steps().end()[-2], step) << "it is not waited for again";
             EXPECT_EQ(FakeWmi::Unreleased(), 0) << step;
         });
     }

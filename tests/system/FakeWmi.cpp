@@ -17,6 +17,7 @@ namespace
 struct State {
     std::vector<std::wstring> models;
     std::string failingStep;
+    HRESULT failure;
     std::vector<std::string> steps;
     int unreleased;
 };
@@ -27,7 +28,7 @@ State g_state;
 HRESULT Step(const std::string& step)
 {
     g_state.steps.push_back(step);
-    return step == g_state.failingStep ? E_FAIL : S_OK;
+    return step == g_state.failingStep ? g_state.failure : S_OK;
 }
 
 #if defined(__GNUC__)
@@ -124,12 +125,12 @@ class Disks : public Counted<IEnumWbemClassObject>
 public:
     HRESULT WINAPI Next(LONG timeout, ULONG count, IWbemClassObject** objects, ULONG* returned) override
     {
-        EXPECT_EQ(timeout, static_cast<LONG>(WBEM_INFINITE));
+        EXPECT_EQ(timeout, 30000);
         EXPECT_EQ(count, 1U);
         *objects = nullptr;
         *returned = 0;
         const HRESULT result = Step(m_next == 1 ? "Next 2" : "Next");
-        if (FAILED(result))
+        if (result != S_OK)
             return result;
         if (m_next == g_state.models.size())
             return WBEM_S_FALSE;
@@ -197,7 +198,7 @@ public:
         EXPECT_EQ(user, nullptr);
         EXPECT_EQ(password, nullptr);
         EXPECT_EQ(locale, nullptr);
-        EXPECT_EQ(flags, 0);
+        EXPECT_EQ(flags, WBEM_FLAG_CONNECT_USE_MAX_WAIT);
         EXPECT_EQ(authority, nullptr);
         EXPECT_EQ(context, nullptr);
         const HRESULT result = Step("ConnectServer");
@@ -290,14 +291,14 @@ HRESULT WINAPI CountingClear(VARIANT* variant)
 
 const wchar_t* const FakeWmi::kNoModel = L"<NULL>";
 
-FakeWmi::FakeWmi(std::vector<std::wstring> models, const std::string& failingStep)
+FakeWmi::FakeWmi(std::vector<std::wstring> models, const std::string& failingStep, HRESULT failure)
     : m_initialize("CoInitializeEx", &FakeInitialize), m_security("CoInitializeSecurity", &FakeSecurity),
       m_uninitialize("CoUninitialize", &FakeUninitialize), m_create("CoCreateInstance", &FakeCreate),
       m_blanket("CoSetProxyBlanket", &FakeBlanket), m_allocate("SysAllocString", &CountingAllocate),
       m_free("SysFreeString", &CountingFree), m_initVariant("VariantInit", &CountingInit),
       m_clearVariant("VariantClear", &CountingClear)
 {
-    g_state = {std::move(models), failingStep, {}, 0};
+    g_state = {std::move(models), failingStep, failure, {}, 0};
 }
 
 const std::vector<std::string>& FakeWmi::Steps()

@@ -12,11 +12,11 @@ namespace test
 
 // COM and WMI as Kelpkit has them while it lives, with disks of these models; one at a time. A step may fail:
 // "CoInitializeEx", "CoInitializeSecurity", "CoCreateInstance", "ConnectServer", "CoSetProxyBlanket", "ExecQuery",
-// "Next" (at the first disk), "Next 2" (at the second) and "Get".
+// "Next" (at the first disk), "Next 2" (at the second) and "Get". The failure is its result.
 class FakeWmi
 {
 public:
-    explicit FakeWmi(std::vector<std::wstring> models, const std::string& failingStep = "");
+    explicit FakeWmi(std::vector<std::wstring> models, const std::string& failingStep = "", HRESULT failure = E_FAIL);
 
     // The steps that were taken, in their order, with "CoUninitialize" among them.
     static const std::vector<std::string>& Steps();
