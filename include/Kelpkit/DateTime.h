@@ -13,6 +13,9 @@
 ///     2999-07-12 00:00:00  the over date, which stands for "no date" or "never": -1 milliseconds
 ///     1899-12-30 00:00:00  the zero date, that of a new COleDateTime: 0 milliseconds
 ///
+/// Local time is the C runtime's: in the zone that the environment variable TZ names when the program starts ("CST-8"),
+/// without one in that of Windows.
+///
 /// Each function may be called from any thread. None throws anything but std::bad_alloc and std::length_error.
 
 #include "Export.h"

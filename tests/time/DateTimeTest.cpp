@@ -2,7 +2,9 @@
 
 #include "support/Calendar.h"
 #include "support/CodePage.h"
+#include "support/EnvironmentVariable.h"
 #include "support/ImportPatch.h"
+#include "support/OwnProcess.h"
 #include "support/Random.h"
 #include "support/Threads.h"
 #include "support/TimeZone.h"
@@ -148,6 +150,26 @@ TEST(StringToTime_t, ReadsLocalTimeWithDaylightSaving)
         SetTimeZone(zone);
         EXPECT_EQ(StringToTime_t(L"124/0/1 12:0:0"), expected.first) << zone;
         EXPECT_EQ(StringToTime_t(L"124/6/1 12:0:0"), expected.second) << zone;
+    }
+}
+
+// The environment is that with which the process starts. At least one of these is not the zone of the system.
+TEST(LocalTime, IsThatOfTheEnvironmentRatherThanTheSystems)
+{
+    const struct {
+        const wchar_t* zone;
+        std::int64_t noon;
+        const wchar_t* localTime;
+    } cases[] = {
+        {L"ABC5", 1588784400, L"date is 0120-04-06 07:00:00"},
+        {L"XYZ-9", 1588734000, L"date is 0120-04-06 21:00:00"},
+    };
+    for (const auto& row : cases) {
+        const test::EnvironmentVariable zone(L"TZ", row.zone);
+        test::InOwnProcess([&row] {
+            EXPECT_EQ(StringToTime_t(L"120/4/6 12:0:0"), row.noon);
+            EXPECT_EQ(Time_tToString(std::int64_t{1588766400}), row.localTime);
+        });
     }
 }
 
