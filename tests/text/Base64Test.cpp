@@ -224,6 +224,19 @@ TEST(Base64Decode, TouchesNothingBehindTheTextAndTheResult)
     }
 }
 
+TEST(Base64Decode, IsTheSameWhateverComesAfterTheLength)
+{
+    for (const std::string text : {"T", "TW", "TWF", "TWFu", "TWFuT", "TQ=", "TWFuTWFuTWFuTWFuTWFuTWFuTWFuTWFuT"}) {
+        const std::string expected = Decoded(text);
+        for (const char behind : {'/', '=', '\n', '\x80'}) {
+            const std::string longer = text + std::string(64, behind);
+            char out[128];
+            const int count = CBase64::Decode(longer.data(), out, static_cast<int>(text.size()));
+            EXPECT_EQ(std::string(out, static_cast<std::size_t>(count)), expected) << text << behind;
+        }
+    }
+}
+
 TEST(Base64Decode, NeedsNoMoreRoomThanItsHeaderSays)
 {
     Random random(4);
