@@ -83,8 +83,8 @@ KELPKIT_API std::wstring GetHardwareCode();
 // UUIDs
 
 /// A new random UUID (RFC 4122, version 4), such as "0f8fad5b-d9cb-469f-a165-70867728950e": 36 characters, hexadecimal
-/// digits in lower case. Every call seeds a generator of its own from the system's random numbers. Should the system
-/// have none, throws boost::uuids::entropy_error, a std::runtime_error.
+/// digits in lower case, whatever the locale. Every call seeds a generator of its own from the system's random numbers.
+/// Should the system have none, throws boost::uuids::entropy_error, a std::runtime_error.
 KELPKIT_API std::wstring GenerateUUID();
 
 } // namespace KELPKIT

@@ -1,4 +1,5 @@
 #include "color/ColorModel.h"
+#include "support/OddLocale.h"
 #include "support/Random.h"
 
 #include <Kelpkit/Color.h>
@@ -7,7 +8,6 @@
 
 #include <windows.h>
 
-#include <clocale>
 #include <string>
 #include <type_traits>
 
@@ -99,11 +99,15 @@ TEST(RGBColorToREF, RandomTextsAreReadByTheSplittersRule)
 
 TEST(RGBColorToREF, DoesNotDependOnTheLocale)
 {
-    const std::string before = std::setlocale(LC_ALL, nullptr);
-    ASSERT_NE(std::setlocale(LC_ALL, ""), nullptr);
+    const test::OddLocale odd;
     EXPECT_EQ(RGBColorToREF(L"1.000,2,3"), 0x030201U);
+    EXPECT_EQ(RGBColorToREF(L" 128,1;2,3"), 0x030180U) << "a piece ends at what is no digit";
+}
+
+TEST(REFColorToRGB, DoesNotDependOnTheLocale)
+{
+    const test::OddLocale odd;
     EXPECT_EQ(REFColorToRGB(0xFF8000), L"0,128,255");
-    std::setlocale(LC_ALL, before.c_str());
 }
 
 TEST(REFColorToRGB, WritesThreeNumbers)

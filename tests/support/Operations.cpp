@@ -11,6 +11,7 @@
 
 #include <windows.h>
 
+#include <cmath>
 #include <cstdint>
 #include <cwchar>
 #include <memory>
@@ -71,7 +72,8 @@ std::string Shown(Number number)
 
 std::string Shown(const COleDateTime& date)
 {
-    return std::to_string(date.m_status) + " " + std::to_string(date.m_dt);
+    // In milliseconds: the C locale would show in a fraction.
+    return std::to_string(date.m_status) + " " + std::to_string(std::llround(date.m_dt * 86400000));
 }
 
 std::string Shown(const std::vector<std::wstring>& texts)

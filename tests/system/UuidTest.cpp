@@ -1,5 +1,6 @@
 #include "support/FailingCall.h"
 #include "support/ImportPatch.h"
+#include "support/OddLocale.h"
 #include "support/Threads.h"
 
 #include <Kelpkit/SystemInfo.h>
@@ -105,6 +106,14 @@ TEST(GenerateUUID, IsMadeByAMersenneTwisterThatTheSystemSeeds)
         SCOPED_TRACE(g_step);
         EXPECT_EQ(GenerateUUID(), ExpectedUuid());
     }
+}
+
+TEST(GenerateUUID, DoesNotDependOnTheLocale)
+{
+    const ImportPatch patch("BCryptGenRandom", FakeRandom);
+    g_step = 77;
+    const test::OddLocale odd;
+    EXPECT_EQ(GenerateUUID(), ExpectedUuid());
 }
 
 TEST(GenerateUUID, GivesAnotherOneEachTime)
