@@ -8,9 +8,9 @@
 namespace test
 {
 
-// While it lives, the locales of the process are ones in which a number is not its plain digits: in C++, each digit is a
-// group of its own ("2;5;5"), and characters are of no kind and have other lower-case forms; in C, a comma divides
-// decimals. Throws std::runtime_error where the system does not have that one.
+// While it lives, the locales of the process are odd ones. In C++, each digit is a group of its own ("2;5;5"), and
+// characters are of no kind and have other lower-case forms; in C, a comma divides decimals. Throws std::runtime_error
+// where the system does not have that one.
 class OddLocale
 {
 public:
