@@ -70,6 +70,11 @@ bool IsSameTime(const SYSTEMTIME& a, const SYSTEMTIME& b)
            a.wMinute == b.wMinute && a.wSecond == b.wSecond;
 }
 
+long Whole(double number)
+{
+    return std::fabs(number) < 0x1p31 ? static_cast<long>(number) : 0;
+}
+
 CString InvalidText()
 {
     constexpr UINT kInvalidDateTime = 55296;
@@ -80,6 +85,62 @@ CString InvalidText()
 }
 
 } // namespace
+
+long COleDateTimeSpan::GetDays() const
+{
+    return Whole(GetTotalDays());
+}
+
+long COleDateTimeSpan::GetHours() const
+{
+    return Whole(std::fmod(GetTotalHours(), 24));
+}
+
+long COleDateTimeSpan::GetMinutes() const
+{
+    return Whole(std::fmod(GetTotalMinutes(), 60));
+}
+
+long COleDateTimeSpan::GetSeconds() const
+{
+    return Whole(std::fmod(GetTotalSeconds(), 60));
+}
+
+bool COleDateTimeSpan::operator==(const COleDateTimeSpan& other) const
+{
+    if (m_status != other.m_status)
+        return false;
+    return m_status == null || (m_status == valid && std::fabs(m_span - other.m_span) < kHalfSecond);
+}
+
+bool COleDateTimeSpan::operator<(const COleDateTimeSpan& other) const
+{
+    return m_status == valid && other.m_status == valid && m_span < other.m_span;
+}
+
+COleDateTimeSpan COleDateTimeSpan::operator+(const COleDateTimeSpan& other) const
+{
+    COleDateTimeSpan sum(m_span + other.m_span);
+    if (m_status == null || other.m_status == null)
+        sum.m_status = null;
+    else if (m_status != valid || other.m_status != valid)
+        sum.m_status = invalid;
+    return sum;
+}
+
+COleDateTimeSpan COleDateTimeSpan::operator-() const
+{
+    COleDateTimeSpan negated = *this;
+    negated.m_span = -m_span;
+    return negated;
+}
+
+void COleDateTimeSpan::CheckRange()
+{
+    constexpr double kLongest = 3615897;
+    if (!(std::fabs(m_span) <= kLongest))
+        m_status = invalid;
+}
 
 double COleDateTimeSpan::Total(double unitsInADay) const
 {
@@ -151,6 +212,16 @@ int COleDateTime::GetDayOfYear() const
     return BreakDown(*this, parts) ? parts.wDayOfYear : int{error};
 }
 
+bool COleDateTime::GetAsSystemTime(SYSTEMTIME& time) const
+{
+    UDATE parts;
+    if (!BreakDown(*this, parts))
+        return false;
+    time = parts.st;
+    time.wMilliseconds = 0;
+    return true;
+}
+
 bool COleDateTime::operator==(const COleDateTime& other) const
 {
     if (m_status != other.m_status)
@@ -175,8 +246,7 @@ COleDateTime COleDateTime::operator+(COleDateTimeSpan span) const
 
 COleDateTime COleDateTime::operator-(COleDateTimeSpan span) const
 {
-    span.m_span = -span.m_span;
-    return *this + span;
+    return *this + -span;
 }
 
 COleDateTimeSpan COleDateTime::operator-(const COleDateTime& other) const

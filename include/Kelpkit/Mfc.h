@@ -2,7 +2,8 @@
 
 /// @file
 /// The MFC types of Kelpkit's interface, with CWnd for applications that host windows: MFC's own, or stand-ins with the
-/// same names and behaviour, which applications may use as well.
+/// same names and behaviour, which applications may use as well. The stand-ins are subsets; their headers in `mfc` say
+/// what they lack.
 ///
 /// KELPKIT_USE_MFC says which, and must be what the library was built with: 1 for MFC's, 0 for the stand-ins. CMake's
 /// targets define it. Only mingw, which has no MFC, does without.

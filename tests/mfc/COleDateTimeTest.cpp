@@ -109,6 +109,35 @@ TEST(COleDateTime, IsInvalidOfPartsThatThePlatformChanges)
     EXPECT_EQ(Described(COleDateTime(-1, -1, -1, -1, -1, -1)), "invalid");
 }
 
+TEST(COleDateTime, CanBeSetAnew)
+{
+    COleDateTime date = Null(7);
+    EXPECT_EQ(date.SetDateTime(2024, 3, 5, 14, 30, 15), 0);
+    EXPECT_EQ(Described(date), "2024-03-05 14:30:15 Tue 065");
+    EXPECT_EQ(date.SetDate(2024, 2, 29), 0);
+    EXPECT_EQ(Described(date), "2024-02-29 00:00:00 Thu 060");
+    EXPECT_EQ(date.SetTime(14, 30, 15), 0);
+    EXPECT_EQ(Described(date), "1899-12-30 14:30:15 Sat 364");
+    EXPECT_EQ(date.SetDate(2023, 2, 29), 1);
+    EXPECT_EQ(date.GetStatus(), COleDateTime::invalid);
+    EXPECT_EQ(date.SetTime(24, 0, 0), 1);
+    EXPECT_EQ(date.SetDateTime(2024, 13, 1, 0, 0, 0), 1);
+    EXPECT_EQ(date.SetDate(2024, 3, 5), 0) << "valid again";
+    EXPECT_EQ(date.GetStatus(), COleDateTime::valid);
+}
+
+TEST(COleDateTime, GivesASystemTime)
+{
+    SYSTEMTIME time = {};
+    ASSERT_TRUE(COleDateTime(2024, 3, 5, 14, 30, 15).GetAsSystemTime(time));
+    EXPECT_EQ(Described(COleDateTime(time)), "2024-03-05 14:30:15 Tue 065");
+    EXPECT_EQ(time.wDayOfWeek, 2);
+    EXPECT_EQ(time.wMilliseconds, 0);
+    for (const COleDateTime& date : {Invalid(45356), Null(45356), COleDateTime(-657435.0), COleDateTime(2958466.0)})
+        EXPECT_FALSE(date.GetAsSystemTime(time)) << date.m_dt;
+    EXPECT_EQ(time.wYear, 2024) << "unchanged";
+}
+
 TEST(COleDateTime, IsMadeOfATimeInLocalTime)
 {
     const std::pair<const char*, const char*> cases[] = {
@@ -382,37 +411,4 @@ TEST(COleDateTime, IsReadInTheLocaleThatIsNamed)
     EXPECT_EQ(Described(date), "2024-03-05 00:00:00 Tue 065");
     EXPECT_TRUE(date.ParseDateTime(L"2024-03-05 14:30", VAR_DATEVALUEONLY));
     EXPECT_EQ(Described(date), "2024-03-05 00:00:00 Tue 065");
-}
-
-TEST(COleDateTimeSpan, IsMadeOfDaysToSeconds)
-{
-    EXPECT_EQ(COleDateTimeSpan().m_span, 0);
-    EXPECT_EQ(COleDateTimeSpan().GetStatus(), COleDateTimeSpan::valid);
-    EXPECT_DOUBLE_EQ(COleDateTimeSpan(2, 3, 4, 5).m_span, 2 + (3 * 3600 + 4 * 60 + 5) * kSecond);
-    EXPECT_DOUBLE_EQ(COleDateTimeSpan(0, -1, 0, 0).m_span, -1.0 / 24);
-    EXPECT_EQ(COleDateTimeSpan(1.5).GetTotalHours(), 36);
-}
-
-TEST(COleDateTimeSpan, TotalsAreWholeNumbers)
-{
-    const COleDateTimeSpan span(2, 3, 4, 5);
-    EXPECT_EQ(span.GetTotalDays(), 2);
-    EXPECT_EQ(span.GetTotalHours(), 51);
-    EXPECT_EQ(span.GetTotalMinutes(), 3064);
-    EXPECT_EQ(span.GetTotalSeconds(), 183845);
-    const COleDateTimeSpan back(-2, -3, -4, -5);
-    EXPECT_EQ(back.GetTotalDays(), -2);
-    EXPECT_EQ(back.GetTotalHours(), -51);
-    EXPECT_EQ(back.GetTotalMinutes(), -3064);
-    EXPECT_EQ(back.GetTotalSeconds(), -183845);
-}
-
-TEST(COleDateTimeSpan, TotalSecondsRoundHalvesAwayFromZero)
-{
-    EXPECT_EQ(COleDateTimeSpan(0.499 * kSecond).GetTotalSeconds(), 0);
-    EXPECT_EQ(COleDateTimeSpan(0.501 * kSecond).GetTotalSeconds(), 1);
-    EXPECT_EQ(COleDateTimeSpan(-0.499 * kSecond).GetTotalSeconds(), 0);
-    EXPECT_EQ(COleDateTimeSpan(-0.501 * kSecond).GetTotalSeconds(), -1);
-    EXPECT_EQ(COleDateTimeSpan(-1.499 * kSecond).GetTotalSeconds(), -1);
-    EXPECT_EQ(COleDateTimeSpan(-1.501 * kSecond).GetTotalSeconds(), -2);
 }
