@@ -1,6 +1,7 @@
 #include "File.h"
 
 #include "Handle.h"
+#include "TemporaryFile.h"
 #include "WindowsApi.h"
 
 #include <algorithm>
@@ -12,7 +13,6 @@ namespace xmlparser
 namespace
 {
 
-constexpr const wchar_t* kTemporarySuffix = L".saving";
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
 // Says how long to go on trying where somebody has a file open: below a second, all told.
@@ -80,9 +80,9 @@ bool WriteAll(HANDLE file, std::string_view bytes)
     return ::FlushFileBuffers(file) != FALSE;
 }
 
-// Makes the file under its temporary name. What a killed process left there goes; what another process is just
-// writing is waited for.
-bool WriteBeside(const std::wstring& temporary, Heritage& heritage, std::string_view bytes, const Patience& patience)
+// Makes the file under the calling thread's temporary name, and waits for whoever holds that. Whatever is there already
+// was left by a killed process, or by a save of this thread that could not delete it.
+Handle CreateTemporary(const std::wstring& temporary, Heritage& heritage, const Patience& patience)
 {
     const auto create = [&] {
         return FileHandle(::CreateFileW(temporary.c_str(), GENERIC_WRITE, 0, heritage.Security(), CREATE_NEW,
@@ -93,12 +93,16 @@ bool WriteBeside(const std::wstring& temporary, Heritage& heritage, std::string_
         ::DeleteFileW(temporary.c_str());
         file = create();
     }
-    if (file == nullptr)
-        return false;
-    if (WriteAll(file.get(), bytes))
-        return true;
-    file.reset();
-    ::DeleteFileW(temporary.c_str());
+    return file;
+}
+
+// Not ReplaceFileW, which takes the old file away before the new one comes.
+bool MoveOver(const std::wstring& path, const std::wstring& temporary, const Patience& patience)
+{
+    do {
+        if (::MoveFileExW(temporary.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
+            return true;
+    } while (IsHeld(::GetLastError()) && patience.Wait());
     return false;
 }
 
@@ -137,15 +141,16 @@ bool ReplaceWholeFile(const std::wstring& path, std::string_view bytes)
     Heritage heritage(path.c_str());
     if (heritage.Attributes() & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY))
         return false;
-    const std::wstring temporary = path + kTemporarySuffix;
+    RemoveLeftovers(path);
+    const std::wstring temporary = TemporaryName(path);
     const Patience patience;
-    if (!WriteBeside(temporary, heritage, bytes, patience))
+    Handle file = CreateTemporary(temporary, heritage, patience);
+    if (file == nullptr)
         return false;
-    // Not ReplaceFileW, which takes the old file away before the new one comes.
-    do {
-        if (::MoveFileExW(temporary.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
-            return true;
-    } while (IsHeld(::GetLastError()) && patience.Wait());
+    const bool isWritten = WriteAll(file.get(), bytes);
+    file.reset();
+    if (isWritten && MoveOver(path, temporary, patience))
+        return true;
     ::DeleteFileW(temporary.c_str());
     return false;
 }

@@ -34,11 +34,12 @@ public:
     /// everything that XML forbids, such as a bare "&" or an attribute given twice.
     virtual bool LoadFile(const CString& path) = 0;
 
-    /// Saves the tree in the encoding in which it was loaded (else UTF-8), in one step: whoever reads meanwhile, and
-    /// whatever dies meanwhile, sees the old file or the new one, whole. The file is written beside under its name with
-    /// ".saving" appended, flushed to the disk, and put in the place of the old one with that one's attributes and
-    /// access rights. Where somebody holds the old file open, it tries again for less than a second. A ".saving" file
-    /// that is there already counts as left by a killed process, and goes.
+    /// Saves the tree in the encoding in which it was loaded (else UTF-8), in one step: at any moment, even after a
+    /// crash, the file is the old one or the new one, complete. The new file is written beside the old one, flushed to
+    /// the disk, and put in the place of the old one with that one's attributes and access rights. Where somebody holds
+    /// the old file open, it tries again for less than a second. Several threads and processes may save one file: the
+    /// last one wins. The name beside ends in the numbers of process and thread, such as "config.xml.1234-5678.saving";
+    /// files of that name whose process is gone are deleted.
     ///
     /// False if the tree is empty, the file is read-only, or any step fails; the old file is then as it was and nothing
     /// is left beside it.

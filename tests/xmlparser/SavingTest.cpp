@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <initializer_list>
 #include <string>
 #include <vector>
@@ -29,6 +30,16 @@ using test::ImportPatch;
 using test::TreeFile;
 
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+// The end of the name under which this thread writes beside the file.
+std::wstring TemporaryEnding()
+{
+    return L"." + std::to_wstring(::GetCurrentProcessId()) + L"-" + std::to_wstring(::GetCurrentThreadId()) +
+           L".saving";
+}
+
+// The end of such a name for a process that is not there.
+constexpr const wchar_t* kLeftoverEnding = L".4294967292-4.saving";
 
 // The save fails, the file is as it was, and nothing lies beside it.
 void ExpectNoSave(const TreeFile& file)
@@ -234,7 +245,7 @@ TEST(XMLTreeSave, LeavesToTheNextOneWhatItCannotDelete)
         const FailingCall<decltype(::DeleteFileW)> remove(L"XMLParser.dll", "DeleteFileW", FALSE);
         EXPECT_FALSE(tree->SaveFile(file.Path()));
     }
-    EXPECT_TRUE(test::Exists(file.Folder() / L"file.xml.saving"));
+    EXPECT_TRUE(test::Exists((file.Folder() / L"file.xml") + TemporaryEnding()));
     EXPECT_TRUE(tree->SaveFile(file.Path()));
     EXPECT_EQ(test::ListTree(file.Folder().Path()), std::vector<std::wstring>{L"file.xml"});
 }
@@ -283,19 +294,96 @@ TEST(XMLTreeSave, FlushesBeforeItReplaces)
 TEST(XMLTreeSave, TakesThePlaceOfWhatAKilledProcessLeft)
 {
     const TreeFile file("<r/>");
-    const std::wstring leftover = file.Folder() / L"file.xml.saving";
-    test::WriteFileBytes(leftover, "<r><half");
-    ASSERT_TRUE(::SetFileAttributesW(leftover.c_str(), FILE_ATTRIBUTE_HIDDEN));
+    // Of a process and thread with the same numbers as these, of another one, and under the name in capitals.
+    for (const std::wstring& name : {L"file.xml" + TemporaryEnding(), std::wstring(L"file.xml") + kLeftoverEnding,
+                                     std::wstring(L"FILE.XML") + kLeftoverEnding}) {
+        const std::wstring leftover = file.Folder() / name;
+        test::WriteFileBytes(leftover, "<r><half");
+        ASSERT_TRUE(::SetFileAttributesW(leftover.c_str(), FILE_ATTRIBUTE_HIDDEN));
+        EXPECT_TRUE(file.Tree()->SaveFile(file.Path()));
+        EXPECT_EQ(test::ListTree(file.Folder().Path()), std::vector<std::wstring>{L"file.xml"});
+    }
+    EXPECT_EQ(file.Bytes(), "<r/>");
+}
+
+TEST(XMLTreeSave, LeavesFilesAloneThatAreNotItsOwn)
+{
+    const TreeFile file("<r/>");
+    const std::wstring live = std::to_wstring(::GetCurrentProcessId()) + L"-4.saving";
+    const std::vector<std::wstring> names = {L"file.xml.saving",
+                                             L"file.xml.-.saving",
+                                             L"file.xml.4294967292.saving",
+                                             L"file.xml.04294967292-4.saving",
+                                             L"file.xml.4294967292-4.saving.bak",
+                                             L"file.xml.4294967292-4x.saving",
+                                             L"file.xml.4294967292- 4.saving",
+                                             L"file.xml.4294967292-4-4.saving",
+                                             L"file.xml.99999999999-4.saving",
+                                             L"file.xml.old.4294967292-4.saving",
+                                             L"file.xm.4294967292-4.saving",
+                                             L"other.xml.4294967292-4.saving",
+                                             L"file.xml." + live};
+    for (const std::wstring& name : names)
+        test::WriteFileBytes(file.Folder() / name, "theirs");
     EXPECT_TRUE(file.Add(L"a", L"1"));
-    EXPECT_EQ(file.Bytes(), "<r><a>1</a></r>");
-    EXPECT_EQ(test::ListTree(file.Folder().Path()), std::vector<std::wstring>{L"file.xml"});
+    EXPECT_EQ(test::ListTree(file.Folder().Path()).size(), names.size() + 1);
+    for (const std::wstring& name : names)
+        EXPECT_TRUE(test::Exists(file.Folder() / name)) << name;
+}
+
+TEST(XMLTreeSave, LeavesFilesAloneOfProcessesThatCannotBeSeen)
+{
+    const TreeFile file("<r/>");
+    const std::wstring leftover = (file.Folder() / L"file.xml") + kLeftoverEnding;
+    test::WriteFileBytes(leftover, "<r><half");
+    {
+        // As for a process of another user.
+        const ImportPatch denied(
+            L"XMLParser.dll", "OpenProcess", +[](DWORD, BOOL, DWORD) -> HANDLE {
+                ::SetLastError(ERROR_ACCESS_DENIED);
+                return nullptr;
+            });
+        EXPECT_TRUE(file.Tree()->SaveFile(file.Path()));
+    }
+    {
+        const ImportPatch open(
+            L"XMLParser.dll", "OpenProcess", +[](DWORD access, BOOL inherits, DWORD) {
+                return ::OpenProcess(access, inherits, ::GetCurrentProcessId());
+            });
+        const FailingCall<decltype(::WaitForSingleObject)> wait(L"XMLParser.dll", "WaitForSingleObject",
+                                                                static_cast<std::intptr_t>(WAIT_FAILED));
+        EXPECT_TRUE(file.Tree()->SaveFile(file.Path()));
+    }
+    EXPECT_TRUE(test::Exists(leftover));
+}
+
+TEST(XMLTreeSave, DoesNotNeedToFindLeftovers)
+{
+    const TreeFile file("<r/>");
+    for (const wchar_t* const name : {L"file.xml.4294967288-4.saving", L"file.xml.4294967292-4.saving"})
+        test::WriteFileBytes(file.Folder() / name, "<r><half");
+    const std::size_t handles = test::HandleCount();
+    {
+        const FailingCall<decltype(::FindFirstFileW)> failing(L"XMLParser.dll", "FindFirstFileW",
+                                                              reinterpret_cast<std::intptr_t>(INVALID_HANDLE_VALUE));
+        EXPECT_TRUE(file.Tree()->SaveFile(file.Path()));
+    }
+    EXPECT_EQ(test::ListTree(file.Folder().Path()).size(), 3U);
+    {
+        const FailingCall<decltype(::FindNextFileW)> failing(L"XMLParser.dll", "FindNextFileW", FALSE);
+        EXPECT_TRUE(file.Tree()->SaveFile(file.Path()));
+    }
+    EXPECT_EQ(test::ListTree(file.Folder().Path()).size(), 2U);
+    EXPECT_TRUE(file.Tree()->SaveFile(file.Path()));
+    EXPECT_EQ(test::ListTree(file.Folder().Path()).size(), 1U);
+    EXPECT_EQ(test::HandleCount(), handles);
 }
 
 TEST(XMLTreeSave, WaitsForAnotherWriterAndGivesUp)
 {
     const TreeFile file("<r/>");
     const IXMLTreePtr tree = file.Tree();
-    const std::wstring temporary = file.Folder() / L"file.xml.saving";
+    const std::wstring temporary = (file.Folder() / L"file.xml") + TemporaryEnding();
     {
         const FileHolder writer(temporary, GENERIC_WRITE, 0, CREATE_NEW);
         EXPECT_FALSE(tree->SaveFile(file.Path()));
