@@ -77,7 +77,70 @@ bool WriteAll(HANDLE file, std::string_view bytes)
             return false;
         bytes.remove_prefix(written);
     }
-    return ::FlushFileBuffers(file) != FALSE;
+    return true;
+}
+
+// What there is to read in an open file, from its start.
+bool ReadAll(HANDLE file, std::string& bytes)
+{
+    // So that a little can be appended without a copy.
+    constexpr std::size_t kRoom = 16;
+    // Most files fit, and need not be asked for their size.
+    char start[1 << 14];
+    DWORD read = 0;
+    if (!::ReadFile(file, start, sizeof start, &read, nullptr))
+        return false;
+    bytes.reserve(read + kRoom);
+    bytes.assign(start, read);
+    if (read < sizeof start)
+        return true;
+    LARGE_INTEGER size = {};
+    if (!::GetFileSizeEx(file, &size) || size.QuadPart < static_cast<LONGLONG>(read) || size.QuadPart > MAXINT)
+        return false;
+    bytes.resize(static_cast<std::size_t>(size.QuadPart) + kRoom);
+    DWORD rest = 0;
+    if (!::ReadFile(file, bytes.data() + read, static_cast<DWORD>(size.QuadPart) - read, &rest, nullptr))
+        return false;
+    bytes.resize(read + rest);
+    return true;
+}
+
+bool GoToStart(HANDLE file)
+{
+    return ::SetFilePointerEx(file, {}, nullptr, FILE_BEGIN) != FALSE;
+}
+
+// What lies behind the new content is cut off last, when that is on the disk.
+bool PutContent(HANDLE file, std::string_view bytes)
+{
+    return GoToStart(file) && WriteAll(file, bytes) && ::FlushFileBuffers(file) && ::SetEndOfFile(file) &&
+           ::FlushFileBuffers(file);
+}
+
+// As far as it goes: whatever failed before may fail again.
+void PutBack(HANDLE file, std::string_view bytes)
+{
+    if (GoToStart(file) && WriteAll(file, bytes) && ::SetEndOfFile(file))
+        ::FlushFileBuffers(file);
+}
+
+// Writes over a file that is there, which nobody else can open meanwhile. On failure it has the old content again.
+bool Overwrite(const std::wstring& path, std::string_view bytes, const Patience& patience)
+{
+    const auto open = [&] {
+        return FileHandle(
+            ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    };
+    Handle file = open();
+    while (file == nullptr && ::GetLastError() == ERROR_SHARING_VIOLATION && patience.Wait())
+        file = open();
+    std::string before;
+    if (file == nullptr || !ReadAll(file.get(), before))
+        return false;
+    if (PutContent(file.get(), bytes))
+        return true;
+    PutBack(file.get(), before);
+    return false;
 }
 
 // Makes the file under the calling thread's temporary name, and waits for whoever holds that. Whatever is there already
@@ -112,31 +175,10 @@ bool ReadWholeFile(const wchar_t* path, std::string& bytes)
 {
     const Handle file = FileHandle(
         ::CreateFileW(path, GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
-    if (file == nullptr)
-        return false;
-    // So that a little can be appended without a copy.
-    constexpr std::size_t kRoom = 16;
-    // Most files fit, and need not be asked for their size.
-    char start[1 << 14];
-    DWORD read = 0;
-    if (!::ReadFile(file.get(), start, sizeof start, &read, nullptr))
-        return false;
-    bytes.reserve(read + kRoom);
-    bytes.assign(start, read);
-    if (read < sizeof start)
-        return true;
-    LARGE_INTEGER size = {};
-    if (!::GetFileSizeEx(file.get(), &size) || size.QuadPart < static_cast<LONGLONG>(read) || size.QuadPart > MAXINT)
-        return false;
-    bytes.resize(static_cast<std::size_t>(size.QuadPart) + kRoom);
-    DWORD rest = 0;
-    if (!::ReadFile(file.get(), bytes.data() + read, static_cast<DWORD>(size.QuadPart) - read, &rest, nullptr))
-        return false;
-    bytes.resize(read + rest);
-    return true;
+    return file != nullptr && ReadAll(file.get(), bytes);
 }
 
-bool ReplaceWholeFile(const std::wstring& path, std::string_view bytes)
+bool WriteWholeFile(const std::wstring& path, std::string_view bytes)
 {
     Heritage heritage(path.c_str());
     if (heritage.Attributes() & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY))
@@ -146,8 +188,8 @@ bool ReplaceWholeFile(const std::wstring& path, std::string_view bytes)
     const Patience patience;
     Handle file = CreateTemporary(temporary, heritage, patience);
     if (file == nullptr)
-        return false;
-    const bool isWritten = WriteAll(file.get(), bytes);
+        return ::GetLastError() != ERROR_FILE_EXISTS && Overwrite(path, bytes, patience);
+    const bool isWritten = WriteAll(file.get(), bytes) && ::FlushFileBuffers(file.get());
     file.reset();
     if (isWritten && MoveOver(path, temporary, patience))
         return true;

@@ -98,7 +98,7 @@ bool XMLTree::SaveFile(const CString& path)
     std::string text;
     text.reserve(m_text.size() + m_text.size() / 8);
     Write(m_document, text);
-    return FromUtf8(m_encoding, text) && ReplaceWholeFile(path.GetString(), text);
+    return FromUtf8(m_encoding, text) && WriteWholeFile(path.GetString(), text);
 }
 
 bool XMLTree::AddChild(const CString& name, const CString& text)

@@ -25,7 +25,7 @@ bool ReadWholeFile(const wchar_t* /*path*/, std::string& bytes)
     return true;
 }
 
-bool ReplaceWholeFile(const std::wstring& /*path*/, std::string_view bytes)
+bool WriteWholeFile(const std::wstring& /*path*/, std::string_view bytes)
 {
     g_file = bytes;
     return true;

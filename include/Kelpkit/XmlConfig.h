@@ -18,8 +18,9 @@ struct StUsrPwd {
 };
 
 /// Reads and writes single values of an XML file. Only the file's path is kept: each call loads the file, and each
-/// write saves it at once, in its own encoding, so that a reader sees the old file or the new one, whole. Objects may
-/// be used by several threads, but two writers of one file can lose each other's changes: callers serialise writes.
+/// write saves it at once, in its own encoding, so that a reader sees the old file or the new one, whole. Only where no
+/// file can be made beside it is it written over, which a crash can interrupt (see IXMLTree::SaveFile). Objects may be
+/// used by several threads, but two writers of one file can lose each other's changes: callers serialise writes.
 ///
 /// A key is a path of element names with "/" between, from below the document element, as IXMLTree::GoToPath takes it:
 /// "server/port" in `<config><server><port>80</port></server></config>`. A value is the element's text. A null key reads
