@@ -28,10 +28,12 @@ class IXMLTree
 {
 public:
     /// Loads a file and makes its document element current. The encoding is UTF-8, UTF-16 of either byte order, or what
-    /// the declaration names and Windows can convert (GB2312, GBK, GB18030, Big5, ...). False, with an empty tree, if
-    /// the file cannot be read, is 2 GiB or larger, cannot be parsed, holds bytes that its encoding does not know, or
-    /// names an unknown encoding. Errors in UTF-8 are no failure: they read as U+FFFD and are saved as they were. Nor is
-    /// everything that XML forbids, such as a bare "&" or an attribute given twice.
+    /// the declaration names and Windows can convert (GB2312, GBK, GB18030, Big5, ...), by any name that Windows or the
+    /// Encoding Standard (WHATWG) has for it; "ascii" and "latin1" are US-ASCII and ISO 8859-1. False, with an empty
+    /// tree, if the file cannot be read, is 2 GiB or larger, cannot be parsed, holds bytes that its encoding does not
+    /// know, or names an unknown encoding, or UTF-16 where it is not. Errors in UTF-8 are no failure: they read as
+    /// U+FFFD and are saved as they were. Nor is everything that XML forbids, such as a bare "&" or an attribute given
+    /// twice.
     virtual bool LoadFile(const CString& path) = 0;
 
     /// Saves the tree in the encoding in which it was loaded (else UTF-8), in one step: at any moment, even after a
