@@ -6,7 +6,8 @@
 /// The backslash is the only separator: "/" is a character like any other. Paths go to the system as they are given,
 /// with nothing added, folded or resolved; paths that begin with `\\?\` included. A path ends at its first zero
 /// character wherever the system reads it. No function keeps state or a handle; each may be called from any thread. An
-/// object may be used by one thread at a time. None throws for a bad path.
+/// object may be used by one thread at a time. None throws for a bad path. Trees may be as deep as paths allow; the
+/// stack does not grow with their depth.
 
 #include "Export.h"
 
@@ -126,9 +127,6 @@ private:
     KELPKIT_API bool IsNoNeedFileExName(const std::wstring& path);
     KELPKIT_API std::wstring GetFileType(const std::wstring& path);
     KELPKIT_API int CopyNeedFile(const std::wstring& src, const std::wstring& dst);
-
-    struct FolderIdentity;
-    void CopyEntries(const std::wstring& src, const std::wstring& dst, const FolderIdentity& destination);
 
     std::set<std::wstring> m_setNoNeedFilePath;
     std::set<std::wstring> m_setNoNeedFileExName;

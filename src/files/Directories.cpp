@@ -13,16 +13,15 @@ namespace
 // "C:\" and shorter are no folders to make or delete.
 constexpr std::size_t kRootLength = 3;
 
-// Deletes one entry of a folder. What fails shows when the folder itself cannot be removed.
-void DeleteEntry(std::wstring path, bool isFolder)
+// Deletes a file, or a folder that is empty. What fails shows when the folder around it cannot be removed.
+void DeleteEntry(const std::wstring& path, bool isFolder)
 {
-    if (isFolder)
-        path += L'\\';
+    if (isFolder) {
+        ::RemoveDirectoryW((path + L'\\').c_str());
+        return;
+    }
     ::SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-    if (isFolder)
-        DeleteDirectory(path);
-    else
-        ::DeleteFileW(path.c_str());
+    ::DeleteFileW(path.c_str());
 }
 
 } // namespace
@@ -56,14 +55,17 @@ bool MakeDirectory(const std::wstring& path)
 
 bool DeleteDirectory(const std::wstring& path)
 {
-    std::wstring folder = UpToZero(path);
+    const std::wstring folder = UpToZero(path);
     if (folder.size() <= kRootLength)
         return false;
-    // By contract always one more, also behind a backslash that is there.
-    folder += L'\\';
-    ForEachEntry(folder + L"*.*",
-                 [&folder](const std::wstring& name, bool isFolder) { DeleteEntry(folder + name, isFolder); });
-    return ::RemoveDirectoryW(folder.c_str()) != FALSE;
+    // By contract always one backslash more, also behind one that is there.
+    const auto enter = [](std::wstring& subfolder) {
+        subfolder += L'\\';
+        ::SetFileAttributesW(subfolder.c_str(), FILE_ATTRIBUTE_NORMAL);
+        return true;
+    };
+    ForEachInTree(folder, enter, DeleteEntry);
+    return ::RemoveDirectoryW((folder + L'\\').c_str()) != FALSE;
 }
 
 } // namespace KELPKIT

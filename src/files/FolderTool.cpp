@@ -36,10 +36,10 @@ bool Holds(const std::set<std::wstring>& lowerCase, const std::wstring& text)
 
 void ClearTree(const std::wstring& folder)
 {
-    ForEachEntry(folder + L"\\*.*", [&](const std::wstring& name, bool isFolder) {
-        const std::wstring path = folder + L'\\' + name;
+    const auto enterEach = [](const std::wstring& /*unused*/) { return true; };
+    ForEachInTree(folder, enterEach, [](const std::wstring& path, bool isFolder) {
         if (isFolder)
-            ClearTree(path);
+            ::RemoveDirectoryW(path.c_str());
         // By contract for a folder, too, where it fails.
         ::DeleteFileW(path.c_str());
     });
@@ -53,10 +53,8 @@ void MakeAnew(const std::wstring& folder)
     ::CreateDirectoryW(folder.c_str(), nullptr);
 }
 
-} // namespace
-
 // What makes a folder itself, by whatever path it is reached.
-struct CFileFolderManageTool::FolderIdentity {
+struct FolderIdentity {
     explicit FolderIdentity(const std::wstring& path)
     {
         constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
@@ -75,6 +73,8 @@ struct CFileFolderManageTool::FolderIdentity {
     bool isKnown = false;
     BY_HANDLE_FILE_INFORMATION information = {};
 };
+
+} // namespace
 
 CFileFolderManageTool::CFileFolderManageTool() = default;
 CFileFolderManageTool::CFileFolderManageTool(const CFileFolderManageTool&) = default;
@@ -98,7 +98,20 @@ bool CFileFolderManageTool::CopyFolder(const std::wstring& src, const std::wstri
     if (source.empty() || destination.empty() || IsNoNeedFile(source))
         return false;
     MakeAnew(destination);
-    CopyEntries(source, destination, FolderIdentity(destination));
+    const FolderIdentity made(destination);
+    const auto copyOf = [&](const std::wstring& path) { return destination + path.substr(source.size()); };
+    const auto enter = [&](const std::wstring& path) {
+        // The destination may be in the source: copied into itself, it would end only where paths do.
+        if (IsNoNeedFile(path) || FolderIdentity(path) == made)
+            return false;
+        MakeAnew(copyOf(path));
+        return true;
+    };
+    ForEachInTree(source, enter, [&](const std::wstring& path, bool /*unused*/) {
+        // By contract for a folder, too, where it fails.
+        if (!IsNoNeedFile(path) && !IsNoNeedFileExName(path))
+            ::CopyFileW(path.c_str(), copyOf(path).c_str(), FALSE);
+    });
     return true;
 }
 
@@ -132,25 +145,6 @@ int CFileFolderManageTool::CopyNeedFile(const std::wstring& src, const std::wstr
     if (IsNoNeedFile(src) || IsNoNeedFileExName(src))
         return 0;
     return ::CopyFileW(src.c_str(), dst.c_str(), FALSE);
-}
-
-void CFileFolderManageTool::CopyEntries(const std::wstring& src, const std::wstring& dst,
-                                        const FolderIdentity& destination)
-{
-    ForEachEntry(src + L"\\*.*", [&](const std::wstring& name, bool isFolder) {
-        const std::wstring srcPath = src + L'\\' + name;
-        if (IsNoNeedFile(srcPath))
-            return;
-        const std::wstring dstPath = dst + L'\\' + name;
-        // The destination may be in the source: copied into itself, it would end only where paths do.
-        if (isFolder && !(FolderIdentity(srcPath) == destination)) {
-            MakeAnew(dstPath);
-            CopyEntries(srcPath, dstPath, destination);
-        }
-        // By contract for a folder, too, where it fails.
-        if (!IsNoNeedFileExName(srcPath))
-            ::CopyFileW(srcPath.c_str(), dstPath.c_str(), FALSE);
-    });
 }
 
 } // namespace KELPKIT
