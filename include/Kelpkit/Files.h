@@ -113,7 +113,7 @@ public:
     /// then an empty folder) or single files cannot be copied.
     ///
     /// Links to folders and junctions are followed: what they lead to is copied. A dst inside src is not copied into
-    /// itself. A src inside dst is deleted with it before it could be copied.
+    /// itself, whatever names the two go by. A src inside dst is deleted with it before it could be copied.
     KELPKIT_API bool CopyFolder(const std::wstring& src, const std::wstring& dst);
 
     /// Deletes a folder with everything in it, whatever is excluded. Returns false where folder is empty, else true, even

@@ -1,8 +1,7 @@
 #include "Kelpkit/Files.h"
 
 #include "files/Entries.h"
-
-#include "Handle.h"
+#include "files/OpenFolder.h"
 
 #include <algorithm>
 #include <locale>
@@ -53,27 +52,6 @@ void MakeAnew(const std::wstring& folder)
     ::CreateDirectoryW(folder.c_str(), nullptr);
 }
 
-// What makes a folder itself, by whatever path it is reached.
-struct FolderIdentity {
-    explicit FolderIdentity(const std::wstring& path)
-    {
-        constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-        const Handle folder = FileHandle(
-            ::CreateFileW(path.c_str(), 0, kShareAll, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
-        isKnown = folder != nullptr && ::GetFileInformationByHandle(folder.get(), &information) != FALSE;
-    }
-
-    bool operator==(const FolderIdentity& other) const
-    {
-        return isKnown && other.isKnown && information.dwVolumeSerialNumber == other.information.dwVolumeSerialNumber &&
-               information.nFileIndexHigh == other.information.nFileIndexHigh &&
-               information.nFileIndexLow == other.information.nFileIndexLow;
-    }
-
-    bool isKnown = false;
-    BY_HANDLE_FILE_INFORMATION information = {};
-};
-
 } // namespace
 
 CFileFolderManageTool::CFileFolderManageTool() = default;
@@ -98,11 +76,11 @@ bool CFileFolderManageTool::CopyFolder(const std::wstring& src, const std::wstri
     if (source.empty() || destination.empty() || IsNoNeedFile(source))
         return false;
     MakeAnew(destination);
-    const FolderIdentity made(destination);
+    const OpenFolder made(destination);
     const auto copyOf = [&](const std::wstring& path) { return destination + path.substr(source.size()); };
     const auto enter = [&](const std::wstring& path) {
         // The destination may be in the source: copied into itself, it would end only where paths do.
-        if (IsNoNeedFile(path) || FolderIdentity(path) == made)
+        if (IsNoNeedFile(path) || OpenFolder(path).IsSameAs(made))
             return false;
         MakeAnew(copyOf(path));
         return true;

@@ -317,6 +317,7 @@ TEST(CopyFolder, CopiesAlsoWhereFoldersCannotBeIdentified)
         EXPECT_EQ(ListTree(folder / L"dst"), entries);
     }
     const FailingCall<decltype(::GetFileInformationByHandle)> failing("GetFileInformationByHandle", FALSE);
+    const FailingCall<decltype(::GetFinalPathNameByHandleW)> failingToo("GetFinalPathNameByHandleW", 0);
     EXPECT_TRUE(CFileFolderManageTool().CopyFolder(folder / L"src", folder / L"dst"));
     EXPECT_EQ(ListTree(folder / L"dst"), entries);
 }
