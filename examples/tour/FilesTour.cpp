@@ -1,6 +1,7 @@
 #include "Tour.h"
 
 #include <Kelpkit/Files.h>
+#include <Kelpkit/SystemInfo.h>
 #include <Kelpkit/Text.h>
 
 #include <fstream>
@@ -53,12 +54,14 @@ void ShowFiles(Tour& tour)
         return Tour::Result{Text(result), result && !CheckFolderExis(top + L" copy")};
     });
     tour.Step(L"CAutoCreateFolder", [&] {
+        // Nobody else's name: a folder that is there already would be deleted, too.
+        const std::wstring path = tour.Folder() + L"scoped-" + GenerateUUID();
         bool made = false;
         {
-            const CAutoCreateFolder scoped(top + L"\\scoped");
-            made = CheckFolderExis(top + L"\\scoped");
+            const CAutoCreateFolder scoped(path);
+            made = CheckFolderExis(path);
         }
-        return Tour::Result{L"there in its scope only", made && !CheckFolderExis(top + L"\\scoped")};
+        return Tour::Result{L"there in its scope only", made && !CheckFolderExis(path)};
     });
     tour.Step(L"DeleteDirectory", [&] {
         const bool deleted = DeleteDirectory(top);

@@ -22,7 +22,12 @@ int wmain(int argc, wchar_t** argv)
     const bool showsIdentity = argc > 1 && argv[1] == std::wstring(L"--show");
     const int folderArgument = showsIdentity ? 2 : 1;
     const bool isFolderGiven = argc > folderArgument;
-    const std::wstring folder = isFolderGiven ? argv[folderArgument] : GetTempPathW() + L"Kelpkit 之旅 tour";
+    const std::wstring temp = GetTempPathW();
+    if (!isFolderGiven && temp.empty()) {
+        Tour::Note(L"There is no temporary folder. Please name a folder to work in.");
+        return 1;
+    }
+    const std::wstring folder = isFolderGiven ? argv[folderArgument] : temp + L"Kelpkit 之旅 tour";
     if (!isFolderGiven)
         DeleteDirectory(folder);
 

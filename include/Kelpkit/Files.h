@@ -113,12 +113,16 @@ public:
     /// then an empty folder) or single files cannot be copied.
     ///
     /// Links to folders and junctions are followed: what they lead to is copied. A dst inside src is not copied into
-    /// itself, whatever names the two go by. A src inside dst is deleted with it before it could be copied.
+    /// itself, whatever names the two go by. A src inside dst is deleted with it before it could be copied. Where
+    /// both are the same folder, it is emptied.
     KELPKIT_API bool CopyFolder(const std::wstring& src, const std::wstring& dst);
 
     /// Deletes a folder with everything in it, whatever is excluded. Returns false where folder is empty, else true, even
     /// if it is missing or something stays: read-only files do, unlike with DeleteDirectory, and so does what is held
     /// open, with the folders above. Links to folders and junctions are followed: what they lead to is emptied.
+    ///
+    /// No other path is refused: "." empties the current folder, and `C:` and `C:\` empty the whole drive. A relative path
+    /// means the folder that is current at the call.
     KELPKIT_API bool ClearFolder(const std::wstring& folder);
 
 private:
@@ -132,9 +136,16 @@ private:
     std::set<std::wstring> m_setNoNeedFileExName;
 };
 
-/// A folder for a scope: made at its start, deleted at its end with everything in it, as by ClearFolder.
+/// A folder for a scope: made at its start, deleted at its end with everything in it, as by ClearFolder. A folder that is
+/// there already goes the same way, so the name must be one that nobody else uses:
 ///
-///     const CAutoCreateFolder folder(GetTempPathW() + L"work");
+///     const std::wstring temp = GetTempPathW();
+///     if (temp.empty())
+///         return false; // without it, the path would be relative
+///     const CAutoCreateFolder folder(temp + L"MyApplication-" + GenerateUUID());
+///
+/// A relative path is looked up each time: the destructor deletes the folder of that name in the folder that is current
+/// then, which may not be the one that was current at the start.
 class CAutoCreateFolder
 {
 public:

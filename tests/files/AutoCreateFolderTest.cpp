@@ -1,3 +1,4 @@
+#include "support/CurrentFolder.h"
 #include "support/FileHolder.h"
 #include "support/FolderTree.h"
 #include "support/TempFolder.h"
@@ -12,6 +13,7 @@
 #include <string>
 
 using namespace KELPKIT;
+using test::CurrentFolder;
 using test::ListTree;
 using test::MakeTree;
 using test::TempFolder;
@@ -46,6 +48,20 @@ TEST(CAutoCreateFolder, TakesOverAFolderThatIsThere)
         EXPECT_TRUE(CheckFileExis(folder / L"top\\a"));
     }
     EXPECT_FALSE(CheckFolderExis(folder / L"top"));
+}
+
+TEST(CAutoCreateFolder, RelativePathIsDeletedInTheFolderThatIsCurrentAtTheEnd)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"here", {});
+    MakeTree(folder / L"there", {L"work\\", L"work\\a"});
+    const CurrentFolder here(folder / L"here");
+    auto scoped = std::make_unique<CAutoCreateFolder>(L"work");
+    {
+        const CurrentFolder there(folder / L"there");
+        scoped.reset();
+    }
+    EXPECT_EQ(ListTree(folder.Path()), (std::vector<std::wstring>{L"here\\", L"here\\work\\", L"there\\"}));
 }
 
 TEST(CAutoCreateFolder, EmptyPathDoesNothing)

@@ -1,9 +1,11 @@
+#include "support/CurrentFolder.h"
 #include "support/FailingCall.h"
 #include "support/FileCallRecorder.h"
 #include "support/FileContents.h"
 #include "support/FileHolder.h"
 #include "support/FolderLink.h"
 #include "support/FolderTree.h"
+#include "support/ImportPatch.h"
 #include "support/LastError.h"
 #include "support/TempFolder.h"
 
@@ -501,6 +503,40 @@ TEST(ClearFolder, IsFalseForAnEmptyArgumentOnly)
     EXPECT_FALSE(CFileFolderManageTool().ClearFolder(L""));
     EXPECT_FALSE(CFileFolderManageTool().ClearFolder(std::wstring(L"\0x", 2)));
     EXPECT_TRUE(CFileFolderManageTool().ClearFolder(folder / L"missing"));
+}
+
+TEST(ClearFolder, OfTheCurrentFolderDeletesWhatIsInIt)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"top", {L"a", L"sub\\", L"sub\\b"});
+    MakeTree(folder / L"other", {L"c"});
+    {
+        const test::CurrentFolder current(folder / L"top");
+        EXPECT_TRUE(CFileFolderManageTool().ClearFolder(L"."));
+    }
+    // Windows keeps the current folder itself.
+    EXPECT_EQ(ListTree(folder / L"top"), Entries{});
+    EXPECT_EQ(ListTree(folder / L"other"), Entries{L"c"});
+}
+
+TEST(ClearFolder, RefusesNoRoot)
+{
+    // Nothing is carried out: there may be such a drive.
+    static Entries calls;
+    calls.clear();
+    const test::ImportPatch find(
+        "FindFirstFileW", +[](const wchar_t* pattern, WIN32_FIND_DATAW*) {
+            calls.push_back(std::wstring(L"find ") + pattern);
+            return INVALID_HANDLE_VALUE;
+        });
+    const test::ImportPatch remove(
+        "RemoveDirectoryW", +[](const wchar_t* path) {
+            calls.push_back(std::wstring(L"remove ") + path);
+            return FALSE;
+        });
+    EXPECT_TRUE(CFileFolderManageTool().ClearFolder(L"C:"));
+    EXPECT_TRUE(CFileFolderManageTool().ClearFolder(L"C:\\"));
+    EXPECT_EQ(calls, (Entries{L"find C:\\*.*", L"remove C:", L"find C:\\\\*.*", L"remove C:\\"}));
 }
 
 TEST(ClearFolder, KeepsReadOnlyFilesAndTheirFolders)
