@@ -23,7 +23,7 @@ using test::WithLittleStack;
 namespace
 {
 
-constexpr std::size_t kLittleStack = 64 * 1024;
+constexpr std::size_t kLittleStack = std::size_t{64} * 1024;
 // The longest path that Windows takes.
 constexpr std::size_t kLongestPath = 32766;
 
