@@ -25,8 +25,8 @@ namespace KELPKIT
 /// memory from the heap. Two threads that crash at once may write the same file.
 ///
 /// Call it once, early, from any thread. It takes the place of the process's unhandled-exception filter, which is no
-/// longer called; a filter that is set later takes its place in turn, until another call. Kelpkit.dll must stay loaded
-/// from then on.
+/// longer called; a filter that is set later takes its place in turn, until another call. Kelpkit.dll stays loaded
+/// until the process ends.
 KELPKIT_API void StartCrashReport();
 
 } // namespace KELPKIT

@@ -116,10 +116,19 @@ LONG WINAPI WriteDump(EXCEPTION_POINTERS* exception)
     return EXCEPTION_CONTINUE_SEARCH;
 }
 
+// The filter is called until the process ends, so this DLL must not be unloaded.
+void StayLoaded()
+{
+    HMODULE module = nullptr;
+    ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                         reinterpret_cast<const wchar_t*>(&WriteDump), &module);
+}
+
 } // namespace
 
 void StartCrashReport()
 {
+    StayLoaded();
     if (const HMODULE dbghelp = ::LoadLibraryW(L"dbghelp.dll"))
         g_writeDump = reinterpret_cast<decltype(g_writeDump)>(
             reinterpret_cast<void*>(::GetProcAddress(dbghelp, "MiniDumpWriteDump")));

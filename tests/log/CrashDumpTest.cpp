@@ -31,6 +31,7 @@ namespace
 {
 
 constexpr std::uint32_t kAccessViolation = 0xC0000005;
+constexpr std::uint32_t kOwnException = 0xE0001234;
 
 // The local time as the names of dumps have it.
 std::wstring Now()
@@ -182,13 +183,21 @@ INSTANTIATE_TEST_SUITE_P(
                     CrashWay{L"illegal", 0xC000001D, L"crasher.exe", {}},
                     CrashWay{L"privileged", 0xC0000096, L"crasher.exe", {}},
                     CrashWay{L"call", kAccessViolation, L"", {8, 0}}, // at address 0, where no module is
-                    CrashWay{L"raise", 0xE0001234, L"kernelbase.dll", {7, 8}},
+                    CrashWay{L"raise", kOwnException, L"kernelbase.dll", {7, 8}},
                     CrashWay{L"kelpkit", kAccessViolation, L"kelpkit.dll", {0, 16}},
                     CrashWay{L"write thread", kAccessViolation, L"crasher.exe", {1, 0}},
-                    CrashWay{L"raise thread", 0xE0001234, L"kernelbase.dll", {7, 8}},
+                    CrashWay{L"raise thread", kOwnException, L"kernelbase.dll", {7, 8}},
                     CrashWay{L"write earlier twice", kAccessViolation, L"crasher.exe", {1, 0}},
                     CrashWay{L"write no-heap", kAccessViolation, L"crasher.exe", {1, 0}}),
     &Name);
+
+TEST_F(CrashDump, IsThereAfterKelpkitWasFreed)
+{
+    EXPECT_EQ(Crash(L"", BesideThisProgram(L"CrashAfterFree.exe")), kOwnException);
+    const MiniDump dump = TheDump(L"CrashAfterFree.exe");
+    EXPECT_EQ(dump.exception.code, kOwnException);
+    EXPECT_EQ(dump.exception.parameters, (std::vector<std::uint64_t>{7, 8}));
+}
 
 TEST_F(CrashDump, IsNotThereWithoutStartCrashReport)
 {
