@@ -1,6 +1,7 @@
 #include "Kelpkit/CrashReport.h"
 
 #include "WindowsApi.h"
+#include "log/Termination.h"
 
 #include <dbghelp.h>
 
@@ -95,24 +96,29 @@ void BuildPath(DumpPath& path)
     path.Append(L".dmp");
 }
 
-LONG WINAPI WriteDump(EXCEPTION_POINTERS* exception)
+void WriteDump(EXCEPTION_POINTERS* exception)
 {
-    // Back to the system's own crash report, which the application may have turned off.
-    ::SetErrorMode(0);
     if (g_writeDump == nullptr)
-        return EXCEPTION_CONTINUE_SEARCH;
+        return;
     DumpPath path;
     BuildPath(path);
     const HANDLE file = ::CreateFileW(path.Text(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                       nullptr, CREATE_ALWAYS, 0, nullptr);
     if (file == INVALID_HANDLE_VALUE)
-        return EXCEPTION_CONTINUE_SEARCH;
+        return;
     MINIDUMP_EXCEPTION_INFORMATION information = {};
     information.ThreadId = ::GetCurrentThreadId();
     information.ExceptionPointers = exception;
     information.ClientPointers = TRUE;
     g_writeDump(::GetCurrentProcess(), ::GetCurrentProcessId(), file, MiniDumpNormal, &information, nullptr, nullptr);
     ::CloseHandle(file);
+}
+
+LONG WINAPI ReportException(EXCEPTION_POINTERS* exception)
+{
+    // Back to the system's own crash report, which the application may have turned off.
+    ::SetErrorMode(0);
+    WriteDump(exception);
     return EXCEPTION_CONTINUE_SEARCH;
 }
 
@@ -121,7 +127,7 @@ void StayLoaded()
 {
     HMODULE module = nullptr;
     ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
-                         reinterpret_cast<const wchar_t*>(&WriteDump), &module);
+                         reinterpret_cast<const wchar_t*>(&ReportException), &module);
 }
 
 } // namespace
@@ -132,7 +138,7 @@ void StartCrashReport()
     if (const HMODULE dbghelp = ::LoadLibraryW(L"dbghelp.dll"))
         g_writeDump = reinterpret_cast<decltype(g_writeDump)>(
             reinterpret_cast<void*>(::GetProcAddress(dbghelp, "MiniDumpWriteDump")));
-    ::SetUnhandledExceptionFilter(&WriteDump);
+    crash::ReportThrough(&ReportException);
 }
 
 } // namespace KELPKIT

@@ -32,6 +32,13 @@ namespace
 
 constexpr std::uint32_t kAccessViolation = 0xC0000005;
 constexpr std::uint32_t kOwnException = 0xE0001234;
+constexpr std::uint32_t kRaised = 0xE0000001; // by Crasher's handlers of the C runtime
+#if defined(_MSC_VER)
+constexpr std::uint32_t kCppException = 0xE06D7363;
+constexpr std::uint32_t kInvalidParameter = 0xC0000417;
+#else
+constexpr std::uint32_t kTermination = 0xE06B656C;
+#endif
 
 // The local time as the names of dumps have it.
 std::wstring Now()
@@ -130,20 +137,46 @@ struct CrashWay {
     std::vector<std::uint64_t> parameters;
 };
 
+std::string Letters(const std::wstring& text)
+{
+    std::string letters;
+    for (const wchar_t c : text) {
+        if (c != L' ' && c != L'-')
+            letters += static_cast<char>(c);
+    }
+    return letters;
+}
+
 std::string Name(const testing::TestParamInfo<CrashWay>& way)
 {
-    std::string name;
-    for (const wchar_t c : std::wstring(way.param.arguments)) {
-        if (c != L' ' && c != L'-')
-            name += static_cast<char>(c);
-    }
-    return name;
+    return Letters(way.param.arguments);
 }
 
 std::ostream& operator<<(std::ostream& stream, const CrashWay& way)
 {
     return stream << testing::PrintToString(std::wstring(way.arguments));
 }
+
+// An end that the C++ runtime or the C runtime brings about.
+struct RuntimeEnd {
+    const wchar_t* arguments;
+    std::uint32_t exitCode;
+    std::uint32_t dumpCode; // of the exception in the dump; 0 where there is no dump
+};
+
+std::string EndName(const testing::TestParamInfo<RuntimeEnd>& end)
+{
+    return Letters(end.param.arguments);
+}
+
+std::ostream& operator<<(std::ostream& stream, const RuntimeEnd& end)
+{
+    return stream << testing::PrintToString(std::wstring(end.arguments));
+}
+
+class EachRuntimeEnd : public CrashDump, public testing::WithParamInterface<RuntimeEnd>
+{
+};
 
 class EachCrash : public CrashDump, public testing::WithParamInterface<CrashWay>
 {
@@ -191,12 +224,81 @@ INSTANTIATE_TEST_SUITE_P(
                     CrashWay{L"write no-heap", kAccessViolation, L"crasher.exe", {1, 0}}),
     &Name);
 
+TEST_P(EachRuntimeEnd, LeavesADumpOrNoneAndTheExitCode)
+{
+    const RuntimeEnd& end = GetParam();
+    EXPECT_EQ(Crash(end.arguments), end.exitCode);
+    if (end.dumpCode == 0) {
+        EXPECT_TRUE(Dumps().empty());
+        return;
+    }
+    const MiniDump dump = TheDump();
+    EXPECT_EQ(dump.exception.code, end.dumpCode);
+    ExpectThreadWithItsStack(dump, dump.exception.threadId, dump.exception.stackPointer);
+    const bool inSecondThread = std::wcsstr(end.arguments, L"thread") != nullptr;
+    EXPECT_EQ(dump.exception.threadId != Records().at(0).threadId, inSecondThread);
+}
+
+INSTANTIATE_TEST_SUITE_P(CrashDump, EachRuntimeEnd,
+                         testing::Values(RuntimeEnd{L"abort", 3, 0},
+                                         RuntimeEnd{L"abort thread raising", kRaised, kRaised}),
+                         &EndName);
+
+#if defined(_MSC_VER)
+// The exit code 3 after a dump, 255 and the exception of an invalid parameter are Wine's or clang's.
+INSTANTIATE_TEST_SUITE_P(VisualStudio, EachRuntimeEnd,
+                         testing::Values(RuntimeEnd{L"throw", kCppException, kCppException},
+                                         RuntimeEnd{L"throw-on", kCppException, kCppException},
+                                         RuntimeEnd{L"throw system-thread", kCppException, kCppException},
+                                         RuntimeEnd{L"throw crt-thread", kCppException, kCppException},
+                                         RuntimeEnd{L"throw handler", kCppException, kCppException},
+                                         RuntimeEnd{L"throw thread", 3, kCppException},
+                                         RuntimeEnd{L"noexcept", 3, kCppException}, RuntimeEnd{L"terminate", 3, 0},
+                                         RuntimeEnd{L"terminate handler", 96, 0},
+                                         RuntimeEnd{L"terminate raising", kRaised, kRaised},
+                                         RuntimeEnd{L"pure", 255, 0}, RuntimeEnd{L"pure raising", kRaised, kRaised},
+                                         RuntimeEnd{L"parameter", kInvalidParameter, kInvalidParameter},
+                                         RuntimeEnd{L"parameter raising", kRaised, kRaised}),
+                         &EndName);
+#else
+INSTANTIATE_TEST_SUITE_P(
+    Mingw, EachRuntimeEnd,
+    testing::Values(
+        RuntimeEnd{L"throw", kTermination, kTermination}, RuntimeEnd{L"throw thread", kTermination, kTermination},
+        RuntimeEnd{L"throw system-thread", kTermination, kTermination},
+        RuntimeEnd{L"throw crt-thread", kTermination, kTermination},
+        RuntimeEnd{L"throw-on", kTermination, kTermination},
+        RuntimeEnd{L"throw-on crt-thread", kTermination, kTermination},
+        RuntimeEnd{L"throw-on raising", kTermination, kTermination},
+        RuntimeEnd{L"throw-on-without-heap", kTermination, kTermination},
+        RuntimeEnd{L"noexcept", kTermination, kTermination}, RuntimeEnd{L"terminate", kTermination, kTermination},
+        RuntimeEnd{L"terminate no-heap", kTermination, kTermination},
+        RuntimeEnd{L"throw twice", kTermination, kTermination},
+        // 97: the application's handler was called, with the exception; 96: without one.
+        RuntimeEnd{L"throw handler", 97, kTermination}, RuntimeEnd{L"throw crt-thread handler", 97, kTermination},
+        RuntimeEnd{L"throw-on handler", 97, kTermination}, RuntimeEnd{L"throw handler twice", 97, kTermination},
+        RuntimeEnd{L"terminate handler", 96, kTermination}, RuntimeEnd{L"throw later-handler", 97, 0},
+        RuntimeEnd{L"throw returning", 3, kTermination}, RuntimeEnd{L"throw chained", 3, kTermination},
+        // 98: a filter that was set later was called.
+        RuntimeEnd{L"throw later", 98, 0}, RuntimeEnd{L"throw handler later", 97, 0},
+        RuntimeEnd{L"abort abort-handler", 95, 0}, RuntimeEnd{L"pure", kAccessViolation, kAccessViolation},
+        RuntimeEnd{L"parameter", 0, 0}, RuntimeEnd{L"parameter raising", 0, 0}),
+    &EndName);
+#endif
+
 TEST_F(CrashDump, IsThereAfterKelpkitWasFreed)
 {
     EXPECT_EQ(Crash(L"", BesideThisProgram(L"CrashAfterFree.exe")), kOwnException);
     const MiniDump dump = TheDump(L"CrashAfterFree.exe");
     EXPECT_EQ(dump.exception.code, kOwnException);
     EXPECT_EQ(dump.exception.parameters, (std::vector<std::uint64_t>{7, 8}));
+}
+
+TEST_F(CrashDump, IsNotThereWhereWineEndsAThreadWhoseStackOverflows)
+{
+    Crash(L"stack stack-kept");
+    EXPECT_EQ(Records().back().code, 0xC00000FDU);
+    EXPECT_TRUE(Dumps().empty());
 }
 
 TEST_F(CrashDump, IsNotThereWithoutStartCrashReport)

@@ -14,6 +14,7 @@
 #include <dbghelp.h>
 
 #include <cstring>
+#include <exception>
 #include <initializer_list>
 #include <string>
 #include <thread>
@@ -147,7 +148,7 @@ LONG WINAPI OtherFilter(EXCEPTION_POINTERS*)
     return EXCEPTION_EXECUTE_HANDLER;
 }
 
-// Takes the handler from StartCrashReport, and puts back the filter that was there before.
+// Takes the handler from StartCrashReport, and puts back the filter and the terminate handler that were there before.
 class CrashReport : public testing::Test
 {
 public:
@@ -156,11 +157,16 @@ public:
         g_system = System();
         g_writeDump = &FakeMiniDumpWriteDump;
         m_before = ::SetUnhandledExceptionFilter(&OtherFilter);
+        m_terminateBefore = std::get_terminate();
         const ImportPatch find("GetProcAddress", &FindCallWriteDump);
         KELPKIT::StartCrashReport();
         m_handler = TakeFilter();
     }
-    ~CrashReport() override { ::SetUnhandledExceptionFilter(m_before); }
+    ~CrashReport() override
+    {
+        ::SetUnhandledExceptionFilter(m_before);
+        std::set_terminate(m_terminateBefore);
+    }
 
 protected:
     // Calls the handler with the system's answers made up, and returns the path of the dump.
@@ -192,6 +198,7 @@ protected:
 
 private:
     LPTOP_LEVEL_EXCEPTION_FILTER m_before = nullptr;
+    std::terminate_handler m_terminateBefore = nullptr;
 };
 
 } // namespace

@@ -89,6 +89,10 @@ if(LLDB)
     "\n\\* thread #2: [^\n]*WriteToNowhere[^\n]*Exception 0xc0000005"
     "\n  \\* frame #0: [^\n]*WriteToNowhere"
   )
+  read_with_lldb("throw;handler"
+    "\n\\* thread #1: [^\n]*Kelpkit.dll[^\n]*Exception 0xe06b656c"
+    "\n    frame #[0-9]+: [^\n]*`__cxa_throw[^\n]*\n    frame #[0-9]+: [^\n]*::Throw"
+  )
   # Arguments have names only where the separate file of symbols is read.
   read_with_lldb("kelpkit"
     "\n\\* thread #1: [^\n]*Kelpkit.dll[^\n]*Exception 0xc0000005"
