@@ -10,6 +10,7 @@
 
 #include <cwchar>
 #include <iterator>
+#include <stdexcept>
 
 using namespace KELPKIT;
 
@@ -18,6 +19,13 @@ namespace
 
 int* volatile g_nowhere = nullptr;
 
+// What a C++ exception that nobody catches ends a process with.
+#if defined(_MSC_VER)
+constexpr unsigned long kUncaughtException = 0xE06D7363;
+#else
+constexpr unsigned long kUncaughtException = 0xE06B656C;
+#endif
+
 std::wstring Hex(unsigned long value)
 {
     wchar_t text[16];
@@ -25,12 +33,12 @@ std::wstring Hex(unsigned long value)
     return text;
 }
 
-// Starts the tour anew, to crash with this temporary folder; returns the exit code.
-unsigned long CrashChild(const std::wstring& tempFolder)
+// Starts the tour anew, to crash in this way with this temporary folder; returns the exit code.
+unsigned long CrashChild(const std::wstring& argument, const std::wstring& tempFolder)
 {
     const std::wstring before = GetTempPathW();
     ::SetEnvironmentVariableW(L"TMP", tempFolder.c_str());
-    std::wstring commandLine = L"\"" + GetSysRoot() + L"tour.exe\" " + kCrashArgument;
+    std::wstring commandLine = L"\"" + GetSysRoot() + L"tour.exe\" " + argument;
     STARTUPINFOW startup = {};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION process = {};
@@ -70,36 +78,54 @@ MINIDUMP_EXCEPTION_STREAM ReadException(std::string dump)
     return exception;
 }
 
-} // namespace
-
-void Crash()
+void StartReport()
 {
     StartCrashReport();
     // Wine would read the symbols of every module for a dump, which takes seconds.
     ::SymSetOptions(SYMOPT_DEFERRED_LOADS);
-    *static_cast<volatile int*>(g_nowhere) = 1;
 }
 
-void ShowCrash(Tour& tour)
+// Has a child crash in a way that gives an exception of this code, and looks at what it leaves.
+void ShowDump(Tour& tour, const std::wstring& way, const std::wstring& argument, unsigned long code)
 {
-    const std::wstring folder = tour.Folder() + L"转储 dumps";
+    const std::wstring folder = tour.Folder() + L"转储 dumps\\" + argument.substr(2);
     std::wstring name;
     DeleteDirectory(folder); // dumps of an earlier tour
     MakeDirectory(folder);
 
-    tour.Section(L"A program crashes, on purpose");
-    tour.Step(L"StartCrashReport in a child", [&] {
-        const unsigned long exitCode = CrashChild(folder);
+    tour.Step(way, [&] {
+        const unsigned long exitCode = CrashChild(argument, folder);
         name = FindDump(folder);
-        return Tour::Result{L"it ended with " + Hex(exitCode), exitCode == EXCEPTION_ACCESS_VIOLATION};
+        return Tour::Result{L"it ended with " + Hex(exitCode), exitCode == code};
     });
     tour.Step(L"its dump", [&] {
         return Tour::Result{name, name.size() == 27 && name.substr(14) == L"_tour.exe.dmp"};
     });
     tour.Step(L"what the dump says", [&] {
         const MINIDUMP_EXCEPTION_STREAM exception = ReadException(Contents(folder + L"\\" + name));
-        const unsigned long code = exception.ExceptionRecord.ExceptionCode;
-        return Tour::Result{L"exception " + Hex(code) + L" in thread " + std::to_wstring(exception.ThreadId),
-                            code == EXCEPTION_ACCESS_VIOLATION && exception.ThreadId != 0};
+        const unsigned long found = exception.ExceptionRecord.ExceptionCode;
+        return Tour::Result{L"exception " + Hex(found) + L" in thread " + std::to_wstring(exception.ThreadId),
+                            found == code && exception.ThreadId != 0};
     });
+}
+
+} // namespace
+
+void Crash()
+{
+    StartReport();
+    *static_cast<volatile int*>(g_nowhere) = 1;
+}
+
+void Throw()
+{
+    StartReport();
+    throw std::runtime_error("nobody catches this");
+}
+
+void ShowCrash(Tour& tour)
+{
+    tour.Section(L"A program crashes, on purpose");
+    ShowDump(tour, L"a child writes to address 0", kCrashArgument, EXCEPTION_ACCESS_VIOLATION);
+    ShowDump(tour, L"a child throws, nobody catches", kThrowArgument, kUncaughtException);
 }

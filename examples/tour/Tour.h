@@ -62,11 +62,15 @@ void ShowXmlConfig(Tour& tour);
 void ShowTimes(Tour& tour);
 void ShowCrash(Tour& tour);
 
-// The argument that makes the tour call Crash() and nothing else.
+// The arguments that make the tour call Crash() or Throw() and nothing else.
 constexpr const wchar_t* kCrashArgument = L"--crash";
+constexpr const wchar_t* kThrowArgument = L"--throw";
 
 // Asks for a crash dump and crashes.
 void Crash();
+
+// Asks for a crash dump and throws an exception.
+void Throw();
 
 // The log file of the tour.
 std::wstring LogFile(const Tour& tour);

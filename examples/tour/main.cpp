@@ -18,6 +18,8 @@ int wmain(int argc, wchar_t** argv)
 {
     if (argc > 1 && argv[1] == std::wstring(kCrashArgument))
         Crash();
+    if (argc > 1 && argv[1] == std::wstring(kThrowArgument))
+        Throw();
     ::SetConsoleOutputCP(CP_UTF8);
     const bool showsIdentity = argc > 1 && argv[1] == std::wstring(L"--show");
     const int folderArgument = showsIdentity ? 2 : 1;
