@@ -14,7 +14,9 @@ namespace KELPKIT
 /// C++ exceptions that nobody catches:
 ///   - mingw-w64: The C++ runtime calls std::terminate. Each call of it leaves a dump, also without an exception, and
 ///     ends the process with the exception 0xE06B656C. If the application has set a terminate handler before this call,
-///     the dump is written first, then that handler is called, and it decides how the process ends.
+///     the dump is written first, then that handler is called, and it decides how the process ends. In threads of
+///     CreateThread and _beginthreadex they are the exception 0x20474343, which leaves a dump, and no terminate handler
+///     is called.
 ///   - Visual Studio: They are the exception 0xE06D7363, which leaves a dump. One that leaves a noexcept function, as
 ///     that of every std::thread is, ends in std::terminate, and so without a dump, unless the compiler lets it reach
 ///     the top of the thread first, which clang-cl does. Terminate handlers are not called for what leaves a dump, and

@@ -18,7 +18,6 @@ namespace
 {
 
 constexpr DWORD kTermination = 0xE06B656C; // "kel", as an error of an application
-constexpr DWORD kThrow = 0x20474343;       // libgcc's code for a C++ exception
 
 LPTOP_LEVEL_EXCEPTION_FILTER g_filter = nullptr;
 std::atomic<std::terminate_handler> g_handler = nullptr; // the application's; null for the runtime's own
@@ -27,22 +26,12 @@ std::atomic<void (*)(int)> g_abortHandler = SIG_DFL;
 // The last thread that called OnTerminate.
 std::atomic<DWORD> g_terminating = 0;
 
-// A C++ exception that nobody catches gets here in threads that the C++ runtime has not started. As in the others, the
-// runtime shall go on, which then calls std::terminate.
-LONG WINAPI Filter(EXCEPTION_POINTERS* exception)
-{
-    const EXCEPTION_RECORD* const record = exception->ExceptionRecord;
-    if (record != nullptr && record->ExceptionCode == kThrow)
-        return EXCEPTION_CONTINUE_EXECUTION;
-    return g_filter(exception);
-}
-
 bool IsFilterInstalled()
 {
-    const LPTOP_LEVEL_EXCEPTION_FILTER installed = ::SetUnhandledExceptionFilter(&Filter);
-    if (installed != &Filter)
+    const LPTOP_LEVEL_EXCEPTION_FILTER installed = ::SetUnhandledExceptionFilter(g_filter);
+    if (installed != g_filter)
         ::SetUnhandledExceptionFilter(installed);
-    return installed == &Filter;
+    return installed == g_filter;
 }
 
 // Reports as for an exception that is raised here, but returns: an exception would end the process.
@@ -106,7 +95,7 @@ void TakeAbortHandler()
 void ReportThrough(LPTOP_LEVEL_EXCEPTION_FILTER filter)
 {
     g_filter = filter;
-    ::SetUnhandledExceptionFilter(&Filter);
+    ::SetUnhandledExceptionFilter(filter);
     TakeTerminateHandler();
     TakeAbortHandler();
 }

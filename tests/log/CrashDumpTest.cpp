@@ -38,6 +38,7 @@ constexpr std::uint32_t kCppException = 0xE06D7363;
 constexpr std::uint32_t kInvalidParameter = 0xC0000417;
 #else
 constexpr std::uint32_t kTermination = 0xE06B656C;
+constexpr std::uint32_t kThrow = 0x20474343;
 #endif
 
 // The local time as the names of dumps have it.
@@ -265,17 +266,15 @@ INSTANTIATE_TEST_SUITE_P(
     Mingw, EachRuntimeEnd,
     testing::Values(
         RuntimeEnd{L"throw", kTermination, kTermination}, RuntimeEnd{L"throw thread", kTermination, kTermination},
-        RuntimeEnd{L"throw system-thread", kTermination, kTermination},
-        RuntimeEnd{L"throw crt-thread", kTermination, kTermination},
+        RuntimeEnd{L"throw system-thread", kThrow, kThrow}, RuntimeEnd{L"throw crt-thread", kThrow, kThrow},
         RuntimeEnd{L"throw-on", kTermination, kTermination},
-        RuntimeEnd{L"throw-on crt-thread", kTermination, kTermination},
         RuntimeEnd{L"throw-on raising", kTermination, kTermination},
         RuntimeEnd{L"throw-on-without-heap", kTermination, kTermination},
         RuntimeEnd{L"noexcept", kTermination, kTermination}, RuntimeEnd{L"terminate", kTermination, kTermination},
         RuntimeEnd{L"terminate no-heap", kTermination, kTermination},
         RuntimeEnd{L"throw twice", kTermination, kTermination},
         // 97: the application's handler was called, with the exception; 96: without one.
-        RuntimeEnd{L"throw handler", 97, kTermination}, RuntimeEnd{L"throw crt-thread handler", 97, kTermination},
+        RuntimeEnd{L"throw handler", 97, kTermination}, RuntimeEnd{L"throw crt-thread handler", kThrow, kThrow},
         RuntimeEnd{L"throw-on handler", 97, kTermination}, RuntimeEnd{L"throw handler twice", 97, kTermination},
         RuntimeEnd{L"terminate handler", 96, kTermination}, RuntimeEnd{L"throw later-handler", 97, 0},
         RuntimeEnd{L"throw returning", 3, kTermination}, RuntimeEnd{L"throw chained", 3, kTermination},
