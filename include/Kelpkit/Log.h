@@ -54,8 +54,9 @@ public:
     KELPKIT_API static void LogMsg(loglv level, const wchar_t* text);
 
     /// Reads a log4cplus property file; its contents replace the library's property set, a log path set earlier
-    /// included. A file that cannot be read leaves the set empty. Takes effect with the next SetLogPath. Must not run
-    /// while another thread is in SetProperties or SetLogPath.
+    /// included. The file is in UTF-8 or UTF-16 with a byte-order mark, or in the ANSI code page without one. A file
+    /// that cannot be read leaves the set empty. Takes effect with the next SetLogPath. Must not run while another
+    /// thread is in SetProperties or SetLogPath.
     KELPKIT_API static void SetProperties(const std::wstring& propertyFile);
 
     /// Makes the log go to logFile, a full path with backslashes: creates its folder, parents included, stores the path
