@@ -268,11 +268,13 @@ TEST_F(InvalidPropertyFile, IsEmptyWhereThereIsAMarkOnly)
 
 TEST_F(InvalidPropertyFile, LeavesTheOtherLogsWhereAPathIsNoText)
 {
-    const std::string lines = "log4cplus.rootLogger=TRACE, second, fileAppender\n"
-                              "log4cplus.appender.second=log4cplus::FileAppender\n"
-                              "log4cplus.appender.second.File=";
+    const std::string start = std::string(kProperties)
+                                  .append("%m%n\n"
+                                          "log4cplus.rootLogger=TRACE, second, fileAppender\n"
+                                          "log4cplus.appender.second=log4cplus::FileAppender\n"
+                                          "log4cplus.appender.second.File=");
     for (const std::string& path : {std::string("\x81 \xFF\xFE"), std::string("Q:\\\xE4\xB8\xAD\\x")}) {
-        EXPECT_NO_THROW(StartLog(kProperties + std::string("%m%n\n") + lines + path + "\n"));
+        EXPECT_NO_THROW(StartLog(start + path));
         EXPECT_NO_THROW(CLogMsg::LogMsg(LV_INFO, L"text"));
         EXPECT_EQ(Lines(LogFile()), "text\n");
     }
