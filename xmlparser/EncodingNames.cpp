@@ -20,9 +20,10 @@ struct NamedEncoding {
     Encoding encoding;
 };
 
-// The labels of the WHATWG's Encoding Standard and Windows' own. The standard reads ASCII and ISO 8859-1 as windows-1252;
-// here each means itself, as in Windows. UTF-16 has no names here: its files are known by their first bytes, and a
-// declaration in bytes that names it cannot be right. Nor has Big5-HKSCS: Windows' Big5 lacks what it adds.
+// The labels of the WHATWG's Encoding Standard and Windows' own. The standard reads ASCII and ISO 8859-1 as
+// windows-1252; here each means itself, as in Windows. UTF-16 has no names here: its files are known by their first
+// bytes, and a declaration in bytes that names it cannot be right. Nor has Big5-HKSCS: Windows' Big5 lacks what it
+// adds.
 constexpr NamedEncoding kNamedEncodings[] = {
     {"437", {437}},
     {"866", {866}},

@@ -121,8 +121,8 @@ public:
     /// if it is missing or something stays: read-only files do, unlike with DeleteDirectory, and so does what is held
     /// open, with the folders above. Links to folders and junctions are followed: what they lead to is emptied.
     ///
-    /// No other path is refused: "." empties the current folder, and `C:` and `C:\` empty the whole drive. A relative path
-    /// means the folder that is current at the call.
+    /// No other path is refused: "." empties the current folder, and `C:` and `C:\` empty the whole drive. A relative
+    /// path means the folder that is current at the call.
     KELPKIT_API bool ClearFolder(const std::wstring& folder);
 
 private:
@@ -136,8 +136,8 @@ private:
     std::set<std::wstring> m_setNoNeedFileExName;
 };
 
-/// A folder for a scope: made at its start, deleted at its end with everything in it, as by ClearFolder. A folder that is
-/// there already goes the same way, so the name must be one that nobody else uses:
+/// A folder for a scope: made at its start, deleted at its end with everything in it, as by ClearFolder. A folder that
+/// is there already goes the same way, so the name must be one that nobody else uses:
 ///
 ///     const std::wstring temp = GetTempPathW();
 ///     if (temp.empty())

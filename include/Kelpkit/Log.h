@@ -67,8 +67,8 @@ public:
     ///
     /// Other threads may log meanwhile; each message arrives before or after the change, none is lost.
     ///
-    /// The file opened is the one named, also where the name holds "${NAME}", which log4cplus replaces by an environment
-    /// variable everywhere else.
+    /// The file opened is the one named, also where the name holds "${NAME}", which log4cplus replaces by an
+    /// environment variable everywhere else.
     KELPKIT_API static void SetLogPath(const std::wstring& logFile);
 };
 

@@ -45,8 +45,8 @@ public:
     ///
     /// Where no file can be made beside one that is there (the folder forbids it, or that name would be too long), the
     /// file is written over. Nobody else can open it meanwhile: a load fails. If a step fails, the old content is
-    /// written back. But if that fails, too, or the program is killed or the power fails meanwhile, the file can be left
-    /// cut or mixed, so that it does not load.
+    /// written back. But if that fails, too, or the program is killed or the power fails meanwhile, the file can be
+    /// left cut or mixed, so that it does not load.
     ///
     /// False if the tree is empty, the file is read-only, or any step fails; the old file is then as it was and nothing
     /// is left beside it.

@@ -52,9 +52,9 @@ private:
     BOOL m_more;
 };
 
-// Calls leave(path, isFolder) for each entry in a tree of folders. Before that, it calls enter(path) for each folder, which
-// may add to the path; where that returns true, what is in the folder comes next. The stack of the thread does not grow
-// with the depth of the tree.
+// Calls leave(path, isFolder) for each entry in a tree of folders. Before that, it calls enter(path) for each folder,
+// which may add to the path; where that returns true, what is in the folder comes next. The stack of the thread does
+// not grow with the depth of the tree.
 template <class Enter, class Leave>
 void ForEachInTree(std::wstring path, const Enter& enter, const Leave& leave)
 {

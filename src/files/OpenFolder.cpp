@@ -32,8 +32,8 @@ struct Identity {
     std::uint64_t created = 0;
 };
 
-// The path with all links and short names resolved; empty where the system cannot tell. It begins with the device, which
-// has a name also where no drive letter is known for it.
+// The path with all links and short names resolved; empty where the system cannot tell. It begins with the device,
+// which has a name also where no drive letter is known for it.
 std::wstring FinalPath(HANDLE folder)
 {
     constexpr DWORD kForm = FILE_NAME_NORMALIZED | VOLUME_NAME_NT;

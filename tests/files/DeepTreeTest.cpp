@@ -1,5 +1,5 @@
-// Trees as deep as paths allow, for callers with little stack left. Stacks that overflow end the process, so each test has
-// one of its own.
+// Trees as deep as paths allow, for callers with little stack left. Stacks that overflow end the process, so each test
+// has one of its own.
 
 #include "support/ImportPatch.h"
 #include "support/LittleStack.h"
@@ -29,8 +29,8 @@ constexpr std::size_t kLongestPath = 32766;
 
 const std::wstring kTop = LR"(\\?\Q:\top)";
 
-// While it lives, there is one tree for Kelpkit: kTop holds a folder "d", which holds a folder "d", and so on. Nothing is
-// really made or deleted. One at a time.
+// While it lives, there is one tree for Kelpkit: kTop holds a folder "d", which holds a folder "d", and so on. Nothing
+// is really made or deleted. One at a time.
 class BottomlessTree
 {
 public:

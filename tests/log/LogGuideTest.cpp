@@ -1,10 +1,10 @@
 // Runs the configurations that docs/log.md shows, as they stand there.
 
+#include "log/ConfiguredLog.h"
 #include "support/FileContents.h"
 #include "support/ImportPatch.h"
 #include "support/LastError.h"
 #include "support/Process.h"
-#include "support/TempFolder.h"
 
 #include <Kelpkit/Files.h>
 #include <Kelpkit/Log.h>
@@ -72,42 +72,23 @@ std::string BlockBelow(const std::string& heading)
     return block;
 }
 
-class LogGuide : public testing::Test
+class LogGuide : public test::ConfiguredLog
 {
-public:
-    ~LogGuide() override { EndLog(); } // so that the folder can go
-
 protected:
-    const test::TempFolder& Folder() const { return m_folder; }
-    std::wstring LogFile() const { return m_folder / L"日志 run.log"; }
-    std::wstring PropertyFile() const { return m_folder / L"log4cplus.properties"; }
-
-    void WriteConfiguration(const std::string& heading) { WriteFileBytes(PropertyFile(), BlockBelow(heading)); }
-
-    void StartLog(const std::string& heading)
+    // LogWriter's command line for a log that the guide configures.
+    std::wstring LogWriter(const std::string& heading, const std::wstring& name, int count) const
     {
-        WriteConfiguration(heading);
-        CLogMsg::SetProperties(PropertyFile());
-        CLogMsg::SetLogPath(LogFile());
+        const std::wstring properties = Folder() / L"log4cplus.properties";
+        WriteFileBytes(properties, BlockBelow(heading));
+        return LogWriter(properties, LogFile(), name, count);
     }
 
-    // As the end of the program would.
-    static void EndLog()
-    {
-        log4cplus::Logger::getDefaultHierarchy().resetConfiguration();
-        CLogMsg::SetProperties(L"");
-    }
-
-    // LogWriter's command line, which is quoted for cmd.exe, too.
     static std::wstring LogWriter(const std::wstring& properties, const std::wstring& file, const std::wstring& name,
                                   int count)
     {
         return L"\"" + BesideThisProgram(L"LogWriter.exe") + L"\" \"" + properties + L"\" \"" + file + L"\" " + name +
                L" " + std::to_wstring(count);
     }
-
-private:
-    test::TempFolder m_folder;
 };
 
 // The lines of a log match these patterns one by one.
@@ -156,10 +137,10 @@ void LogAt(std::chrono::system_clock::time_point time, const wchar_t* text)
 
 TEST_F(LogGuide, GoesOnInTheFileOfTheRunBefore)
 {
-    StartLog("Several days in one file");
+    StartLog(BlockBelow("Several days in one file"));
     CLogMsg::LogMsg(LV_INFO, L"first");
-    EndLog();
-    StartLog("Several days in one file");
+    CloseLog();
+    StartLog(BlockBelow("Several days in one file"));
     CLogMsg::LogMsg(LV_WARN, L"second");
     CLogMsg::SetLogPath(LogFile());
     CLogMsg::LogMsg(LV_FATAL, L"third");
@@ -173,9 +154,7 @@ TEST_F(LogGuide, EmptiesTheFileWithoutAppend)
     const std::string append = "log4cplus.appender.fileAppender.Append=true\n";
     ASSERT_NE(properties.find(append), std::string::npos);
     properties.erase(properties.find(append), append.size());
-    WriteFileBytes(PropertyFile(), properties);
-    CLogMsg::SetProperties(PropertyFile());
-    CLogMsg::SetLogPath(LogFile());
+    StartLog(properties);
     CLogMsg::LogMsg(LV_INFO, L"first");
     CLogMsg::SetLogPath(LogFile());
     CLogMsg::LogMsg(LV_INFO, L"second");
@@ -184,12 +163,12 @@ TEST_F(LogGuide, EmptiesTheFileWithoutAppend)
 
 TEST_F(LogGuide, LimitsTheSize)
 {
-    StartLog("Limited in size");
+    StartLog(BlockBelow("Limited in size"));
     const std::wstring filler(1000, L'x');
     constexpr int kMessages = 25000; // 25 MB in files of 10
     for (int i = 0; i < kMessages; ++i)
         CLogMsg::LogMsg(LV_INFO, (std::to_wstring(i) + L" " + filler).c_str());
-    EndLog();
+    CloseLog();
     EXPECT_FALSE(CheckFileExis(LogFile() + L".3"));
     int next = 0;
     for (const wchar_t* const suffix : {L".2", L".1", L""}) {
@@ -206,14 +185,14 @@ TEST_F(LogGuide, LimitsTheSize)
 TEST_F(LogGuide, BeginsAFileEachDay)
 {
     const auto today = std::chrono::system_clock::now();
-    StartLog("One file a day");
+    StartLog(BlockBelow("One file a day"));
     CLogMsg::LogMsg(LV_INFO, L"first");
-    EndLog();
-    StartLog("One file a day");
+    CloseLog();
+    StartLog(BlockBelow("One file a day"));
     CLogMsg::LogMsg(LV_INFO, L"second");
     LogAt(today + std::chrono::hours(25), L"third");
     CLogMsg::LogMsg(LV_INFO, L"fourth");
-    EndLog();
+    CloseLog();
     ExpectLines(LogFile() + L"." + DateOf(today), {kTime + "INFO  first", kTime + "INFO  second"});
     ExpectLines(LogFile(), {kTime + "INFO  third", kTime + "INFO  fourth"});
 }
@@ -221,14 +200,14 @@ TEST_F(LogGuide, BeginsAFileEachDay)
 TEST_F(LogGuide, BeginsAFileWhereThatOfAnotherDayIsFound)
 {
     const auto now = std::chrono::system_clock::now();
-    StartLog("One file a day");
+    StartLog(BlockBelow("One file a day"));
     CLogMsg::LogMsg(LV_INFO, L"first");
-    EndLog();
+    CloseLog();
     SetLastWrite(LogFile(), now - std::chrono::hours(49));
-    StartLog("One file a day");
+    StartLog(BlockBelow("One file a day"));
     CLogMsg::LogMsg(LV_INFO, L"second");
     CLogMsg::LogMsg(LV_INFO, L"third");
-    EndLog();
+    CloseLog();
     ExpectLines(LogFile() + L"." + DateOf(now - std::chrono::hours(49)), {kTime + "INFO  first"});
     ExpectLines(LogFile(), {kTime + "INFO  second", kTime + "INFO  third"});
 }
@@ -236,15 +215,15 @@ TEST_F(LogGuide, BeginsAFileWhereThatOfAnotherDayIsFound)
 TEST_F(LogGuide, TakesTheLinesOfSeveralProcesses)
 {
     constexpr int kLines = 5000;
-    StartLog("Several processes");
+    StartLog(BlockBelow("Several processes"));
     int own = 0;
     {
-        const StartedProgram other(LogWriter(PropertyFile(), LogFile(), L"other", kLines));
+        const StartedProgram other(LogWriter("Several processes", L"other", kLines));
         while (!other.HasEnded(0))
             CLogMsg::LogMsg(LV_ERROR, (L"own " + std::to_wstring(own++)).c_str());
         EXPECT_EQ(other.ExitCode(), 0U);
     }
-    EndLog();
+    CloseLog();
     const std::regex whole(kDate + kTime + "[0-9]+ ERROR (own|other) ([0-9]+)");
     std::map<std::string, int> next;
     for (const std::string& line : LinesOf(ReadFileBytes(LogFile()))) {
@@ -259,13 +238,13 @@ TEST_F(LogGuide, WritesErrorsToAFileOfTheirOwn)
 {
     const std::wstring temp = _wgetenv(L"TEMP");
     ASSERT_EQ(_wputenv((L"TEMP=" + Folder().Path()).c_str()), 0);
-    StartLog("Errors in a file of their own");
+    StartLog(BlockBelow("Errors in a file of their own"));
     ASSERT_EQ(_wputenv((L"TEMP=" + temp).c_str()), 0);
     CLogMsg::LogMsg(LV_INFO, L"first");
     CLogMsg::LogMsg(LV_ERROR, L"second");
     CLogMsg::LogMsg(LV_WARN, L"third");
     CLogMsg::LogMsg(LV_FATAL, L"fourth");
-    EndLog();
+    CloseLog();
     ExpectLines(LogFile(), {kDate + kTime + "INFO  first", kDate + kTime + "ERROR second",
                             kDate + kTime + "WARN  third", kDate + kTime + "FATAL fourth"});
     ExpectLines(Folder() / L"App\\errors.log", {kDate + kTime + "ERROR second", kDate + kTime + "FATAL fourth"});
@@ -273,10 +252,8 @@ TEST_F(LogGuide, WritesErrorsToAFileOfTheirOwn)
 
 TEST_F(LogGuide, WritesToTheConsole)
 {
-    WriteConfiguration("Console");
     const std::wstring output = Folder() / L"output";
-    EXPECT_EQ(test::Run(L"cmd /c \"" + LogWriter(PropertyFile(), LogFile(), L"text", 2) + L" > \"" + output + L"\"\""),
-              0U);
+    EXPECT_EQ(test::Run(L"cmd /c \"" + LogWriter("Console", L"text", 2) + L" > \"" + output + L"\"\""), 0U);
     ExpectLines(output, {"ERROR text 0", "ERROR text 1"});
 }
 
@@ -286,9 +263,10 @@ TEST_F(LogGuide, WritesToTheDebugger)
     received.clear();
     const ImportPatch patch(
         kLog4cplus, "OutputDebugStringW", +[](const wchar_t* text) { received.emplace_back(text); });
-    StartLog("Debugger");
-    CLogMsg::LogMsg(LV_INFO, L"text");
-    EXPECT_EQ(received, std::vector<std::wstring>{L"INFO  text\n"});
+    StartLog(BlockBelow("Debugger"));
+    const std::wstring known = AnsiToUnicode(UnicodeToAnsi(L"模型é")); // "?" for what the code page lacks
+    CLogMsg::LogMsg(LV_INFO, known.c_str());
+    EXPECT_EQ(received, std::vector<std::wstring>{L"INFO  " + known + L"\n"});
 }
 
 TEST_F(LogGuide, WritesToTheEventLog)
@@ -308,11 +286,12 @@ TEST_F(LogGuide, WritesToTheEventLog)
             received.emplace_back(type, texts[0]);
             return TRUE;
         });
-    StartLog("Event log");
+    StartLog(BlockBelow("Event log"));
     CLogMsg::LogMsg(LV_INFO, L"below the level");
-    CLogMsg::LogMsg(LV_WARN, L"second");
+    const std::wstring known = AnsiToUnicode(UnicodeToAnsi(L"模型é")); // "?" for what the code page lacks
+    CLogMsg::LogMsg(LV_WARN, known.c_str());
     CLogMsg::LogMsg(LV_ERROR, L"third");
-    const std::vector<std::pair<WORD, std::wstring>> expected = {{EVENTLOG_WARNING_TYPE, L"second"},
+    const std::vector<std::pair<WORD, std::wstring>> expected = {{EVENTLOG_WARNING_TYPE, known},
                                                                  {EVENTLOG_ERROR_TYPE, L"third"}};
     EXPECT_EQ(received, expected);
     EXPECT_EQ(source, L"App");

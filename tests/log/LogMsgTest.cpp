@@ -2,6 +2,7 @@
 #include "support/FileContents.h"
 #include "support/ImportPatch.h"
 #include "support/LastError.h"
+#include "support/LocaleRestorer.h"
 #include "support/RecordingAppender.h"
 #include "support/TempFolder.h"
 #include "support/Threads.h"
@@ -23,7 +24,6 @@
 #include <climits>
 #include <clocale>
 #include <cstdlib>
-#include <locale>
 #include <map>
 #include <sstream>
 #include <stdexcept>
@@ -130,24 +130,6 @@ private:
     TempFolder m_folder;
 };
 
-// The C and C++ locales of the process, put back at the end.
-class LocaleRestorer
-{
-public:
-    LocaleRestorer() : m_cLocale(std::setlocale(LC_ALL, nullptr)) {}
-    LocaleRestorer(const LocaleRestorer&) = delete;
-    LocaleRestorer& operator=(const LocaleRestorer&) = delete;
-    ~LocaleRestorer()
-    {
-        std::locale::global(m_cppLocale);
-        std::setlocale(LC_ALL, m_cLocale.c_str());
-    }
-
-private:
-    std::string m_cLocale;
-    std::locale m_cppLocale;
-};
-
 // A variable of the environment as the C runtime has it, which is a copy of the process's own.
 class RuntimeVariable
 {
@@ -226,7 +208,7 @@ TEST_F(RecordedLog, WidensEveryByteToItsOwnValue)
 
 TEST_F(RecordedLog, WidensAlikeWhateverTheLocaleOfTheProcess)
 {
-    const LocaleRestorer restorer;
+    const test::LocaleRestorer restorer;
     ASSERT_NE(std::setlocale(LC_ALL, ""), nullptr);
     EXPECT_EQ(Written(LV_INFO, L"模型é").text, Widened(UnicodeToAnsi(L"模型é")));
 }
@@ -328,7 +310,7 @@ TEST_F(FileLog, HoldsTheAnsiBytesOfAMessage)
 
 TEST_F(FileLog, HoldsTheAnsiBytesAlsoAfterTheLocaleOfTheProcessChanged)
 {
-    const LocaleRestorer restorer;
+    const test::LocaleRestorer restorer;
     StartLog(Folder() / L"run.log");
     CLogMsg::LogMsg(LV_INFO, L"模型é€ before");
     ASSERT_NE(std::setlocale(LC_ALL, ""), nullptr);
@@ -484,7 +466,7 @@ TEST_F(FileLog, ReadsAPropertyFileWithForeignTextAndWindowsLineEnds)
 
 TEST_F(FileLog, ReadsAPropertyFileWithForeignTextAfterTheLocaleOfTheProcessChanged)
 {
-    const LocaleRestorer restorer;
+    const test::LocaleRestorer restorer;
     ASSERT_NE(std::setlocale(LC_ALL, ""), nullptr);
     WriteProperties("# \xD6\xD0\xCE\xC4 \xE4\xB8\xAD \x80\xFF\n" + std::string(kProperties));
     StartLog(Folder() / L"run.log");

@@ -38,7 +38,7 @@ protected:
 
 TEST_F(RivalWriters, AllSucceedAndLeaveAWholeFile)
 {
-    const std::wstring command = Command(300);
+    const std::wstring command = Command(100);
     const test::StartedProgram first(command);
     const test::StartedProgram second(command);
     for (const test::StartedProgram* program : {&first, &second}) {
