@@ -15,7 +15,7 @@ namespace
 
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-// Says how long to go on trying where somebody has a file open: below a second, all told.
+// Says how long to go on trying where somebody has a file open: below a second, however long the disk takes.
 class Patience
 {
 public:
@@ -125,8 +125,9 @@ void PutBack(HANDLE file, std::string_view bytes)
 }
 
 // Writes over a file that is there, which nobody else can open meanwhile. On failure it has the old content again.
-bool Overwrite(const std::wstring& path, std::string_view bytes, const Patience& patience)
+bool Overwrite(const std::wstring& path, std::string_view bytes)
 {
+    const Patience patience;
     const auto open = [&] {
         return FileHandle(
             ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
@@ -145,8 +146,9 @@ bool Overwrite(const std::wstring& path, std::string_view bytes, const Patience&
 
 // Makes the file under the calling thread's temporary name, and waits for whoever holds that. Whatever is there already
 // was left by a killed process, or by a save of this thread that could not delete it.
-Handle CreateTemporary(const std::wstring& temporary, Heritage& heritage, const Patience& patience)
+Handle CreateTemporary(const std::wstring& temporary, Heritage& heritage)
 {
+    const Patience patience;
     const auto create = [&] {
         return FileHandle(::CreateFileW(temporary.c_str(), GENERIC_WRITE, 0, heritage.Security(), CREATE_NEW,
                                         heritage.Attributes(), nullptr));
@@ -160,8 +162,9 @@ Handle CreateTemporary(const std::wstring& temporary, Heritage& heritage, const 
 }
 
 // Not ReplaceFileW, which takes the old file away before the new one comes.
-bool MoveOver(const std::wstring& path, const std::wstring& temporary, const Patience& patience)
+bool MoveOver(const std::wstring& path, const std::wstring& temporary)
 {
+    const Patience patience;
     do {
         if (::MoveFileExW(temporary.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
             return true;
@@ -185,13 +188,12 @@ bool WriteWholeFile(const std::wstring& path, std::string_view bytes)
         return false;
     RemoveLeftovers(path);
     const std::wstring temporary = TemporaryName(path);
-    const Patience patience;
-    Handle file = CreateTemporary(temporary, heritage, patience);
+    Handle file = CreateTemporary(temporary, heritage);
     if (file == nullptr)
-        return ::GetLastError() != ERROR_FILE_EXISTS && Overwrite(path, bytes, patience);
+        return ::GetLastError() != ERROR_FILE_EXISTS && Overwrite(path, bytes);
     const bool isWritten = WriteAll(file.get(), bytes) && ::FlushFileBuffers(file.get());
     file.reset();
-    if (isWritten && MoveOver(path, temporary, patience))
+    if (isWritten && MoveOver(path, temporary))
         return true;
     ::DeleteFileW(temporary.c_str());
     return false;

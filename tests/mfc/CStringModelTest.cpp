@@ -209,9 +209,9 @@ TEST_F(CStringModel, TokensAreTheRunsBetweenTheSet)
     for (int round = 0; round < kRounds; ++round) {
         const std::wstring text = NextWithoutZeros(9);
         std::wstring expected;
-        for (std::size_t i = 0; i < text.size(); ++i) {
-            if (!IsWhite(text[i]))
-                expected += text[i];
+        for (const wchar_t c : text) {
+            if (!IsWhite(c))
+                expected += c;
             else if (!expected.empty() && expected.back() != L'|')
                 expected += L'|';
         }
