@@ -19,10 +19,10 @@ constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELE
 class Patience
 {
 public:
-    // Waits a little; false when it is over.
-    bool Wait() const
+    // Waits a little; false when it is over. Mostly it only lets others run: readers leave short gaps.
+    bool Wait()
     {
-        ::Sleep(1);
+        ::Sleep(m_waits++ % 8 == 0 ? 1 : 0);
         return ::GetTickCount64() - m_start < kMilliseconds;
     }
 
@@ -30,6 +30,7 @@ private:
     static constexpr ULONGLONG kMilliseconds = 800;
 
     const ULONGLONG m_start = ::GetTickCount64();
+    unsigned m_waits = 0;
 };
 
 // What a file passes on to the one that takes its place.
@@ -127,7 +128,7 @@ void PutBack(HANDLE file, std::string_view bytes)
 // Writes over a file that is there, which nobody else can open meanwhile. On failure it has the old content again.
 bool Overwrite(const std::wstring& path, std::string_view bytes)
 {
-    const Patience patience;
+    Patience patience;
     const auto open = [&] {
         return FileHandle(
             ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr));
@@ -148,7 +149,7 @@ bool Overwrite(const std::wstring& path, std::string_view bytes)
 // was left by a killed process, or by a save of this thread that could not delete it.
 Handle CreateTemporary(const std::wstring& temporary, Heritage& heritage)
 {
-    const Patience patience;
+    Patience patience;
     const auto create = [&] {
         return FileHandle(::CreateFileW(temporary.c_str(), GENERIC_WRITE, 0, heritage.Security(), CREATE_NEW,
                                         heritage.Attributes(), nullptr));
@@ -164,7 +165,7 @@ Handle CreateTemporary(const std::wstring& temporary, Heritage& heritage)
 // Not ReplaceFileW, which takes the old file away before the new one comes.
 bool MoveOver(const std::wstring& path, const std::wstring& temporary)
 {
-    const Patience patience;
+    Patience patience;
     do {
         if (::MoveFileExW(temporary.c_str(), path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
             return true;

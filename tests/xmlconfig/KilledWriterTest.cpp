@@ -75,7 +75,7 @@ protected:
                 while (m_contents.Number() == before && !writer.HasEnded(1)) {
                 }
                 ::Sleep(random.Below(10));
-                EXPECT_FALSE(writer.HasEnded(0)) << "it cannot write";
+                EXPECT_FALSE(writer.HasEnded(0)) << "it cannot write; its exit code is " << writer.ExitCode();
             }
             ExpectOldOrNewState(before);
             leftovers += CleanUp();
