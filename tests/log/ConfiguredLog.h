@@ -8,9 +8,12 @@
 
 #include <gtest/gtest.h>
 
+#include <log4cplus/helpers/timehelper.h>
 #include <log4cplus/hierarchy.h>
 #include <log4cplus/logger.h>
+#include <log4cplus/spi/loggingevent.h>
 
+#include <chrono>
 #include <string>
 
 namespace test
@@ -41,6 +44,16 @@ protected:
         WriteFileBytes(propertyFile, properties);
         KELPKIT::CLogMsg::SetProperties(propertyFile);
         KELPKIT::CLogMsg::SetLogPath(LogFile());
+    }
+
+    // Writes an event of the given time from now to the log.
+    static void LogAt(std::chrono::hours fromNow, const wchar_t* text)
+    {
+        const log4cplus::Logger logger = log4cplus::Logger::getInstance(L"log");
+        const log4cplus::spi::InternalLoggingEvent event(logger.getName(), log4cplus::INFO_LOG_LEVEL, L"",
+                                                         log4cplus::MappedDiagnosticContextMap(), text, L"", L"",
+                                                         log4cplus::helpers::now() + fromNow, L"file", 1, L"");
+        logger.callAppenders(event);
     }
 
     // The lines of a log file, which end as text files do on Windows.

@@ -14,7 +14,6 @@
 
 #include <log4cplus/hierarchy.h>
 #include <log4cplus/logger.h>
-#include <log4cplus/spi/loggingevent.h>
 
 #include <windows.h>
 
@@ -124,15 +123,6 @@ void SetLastWrite(const std::wstring& path, std::chrono::system_clock::time_poin
     ::CloseHandle(file);
 }
 
-void LogAt(std::chrono::system_clock::time_point time, const wchar_t* text)
-{
-    const log4cplus::Logger logger = log4cplus::Logger::getInstance(L"log");
-    const log4cplus::spi::InternalLoggingEvent event(
-        logger.getName(), log4cplus::INFO_LOG_LEVEL, L"", {}, text, L"1", L"",
-        std::chrono::time_point_cast<log4cplus::helpers::Time::duration>(time), L"file", 1, L"function");
-    logger.callAppenders(event);
-}
-
 } // namespace
 
 TEST_F(LogGuide, GoesOnInTheFileOfTheRunBefore)
@@ -190,7 +180,7 @@ TEST_F(LogGuide, BeginsAFileEachDay)
     CloseLog();
     StartLog(BlockBelow("One file a day"));
     CLogMsg::LogMsg(LV_INFO, L"second");
-    LogAt(today + std::chrono::hours(25), L"third");
+    LogAt(std::chrono::hours(25), L"third");
     CLogMsg::LogMsg(LV_INFO, L"fourth");
     CloseLog();
     ExpectLines(LogFile() + L"." + DateOf(today), {kTime + "INFO  first", kTime + "INFO  second"});

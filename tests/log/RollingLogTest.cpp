@@ -8,11 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <log4cplus/appender.h>
-#include <log4cplus/helpers/timehelper.h>
-#include <log4cplus/logger.h>
-#include <log4cplus/spi/loggingevent.h>
-
 #include <windows.h>
 
 #include <chrono>
@@ -82,15 +77,6 @@ protected:
 
     int LineCount() const { return m_lines; }
 
-    // Appends an event of the given time from now to the log's appender.
-    static void LogAt(std::chrono::hours fromNow, const wchar_t* text)
-    {
-        const log4cplus::spi::InternalLoggingEvent event(L"log", log4cplus::INFO_LOG_LEVEL, L"",
-                                                         log4cplus::MappedDiagnosticContextMap(), text, L"", L"",
-                                                         log4cplus::helpers::now() + fromNow, L"file", 1, L"");
-        log4cplus::Logger::getRoot().getAppender(L"fileAppender")->doAppend(event);
-    }
-
     // Beside the log itself, which such a pattern finds on some systems.
     std::wstring OnlyFileLike(const std::wstring& pattern) const
     {
@@ -106,6 +92,20 @@ protected:
         }
         ::FindClose(find);
         return only;
+    }
+
+    // The log is held when its period ends; what it holds then goes to a file like the pattern later.
+    void ExpectToGoOnWhileHeld(const std::wstring& pattern) const
+    {
+        CLogMsg::LogMsg(LV_INFO, L"first");
+        {
+            const Viewer viewer(LogFile());
+            LogAt(std::chrono::hours(48), L"second");
+            EXPECT_EQ(Lines(LogFile()), "first\nsecond\n");
+        }
+        LogAt(std::chrono::hours(48), L"third");
+        EXPECT_EQ(Lines(LogFile()), "third\n");
+        EXPECT_EQ(Lines(OnlyFileLike(pattern)), "first\nsecond\n");
     }
 
 private:
@@ -233,15 +233,7 @@ TEST_F(SizeRollingLog, LosesNothingWhereTwoLogsShareAFileUnderALockFile)
 TEST_F(RollingLog, DailyLogGoesOnInAHeldFile)
 {
     StartLog(Properties("DailyRollingFileAppender", "Schedule=DAILY\nRollOnClose=false\n"));
-    CLogMsg::LogMsg(LV_INFO, L"first");
-    {
-        const Viewer viewer(LogFile());
-        LogAt(std::chrono::hours(48), L"second");
-        EXPECT_EQ(Lines(LogFile()), "first\nsecond\n");
-    }
-    LogAt(std::chrono::hours(48), L"third");
-    EXPECT_EQ(Lines(LogFile()), "third\n");
-    EXPECT_EQ(Lines(OnlyFileLike(L"运行 run.log.?*")), "first\nsecond\n");
+    ExpectToGoOnWhileHeld(L"运行 run.log.?*");
 }
 
 TEST_F(RollingLog, DailyLogTouchesNothingWhileABackupIsHeld)
@@ -277,15 +269,7 @@ TEST_F(RollingLog, DailyLogThatIsHeldAtItsCloseKeepsItsLines)
 TEST_F(RollingLog, TimeBasedLogGoesOnInAHeldFile)
 {
     StartLog(Properties("TimeBasedRollingFileAppender", DayFiles() + "RollOnClose=false\n"));
-    CLogMsg::LogMsg(LV_INFO, L"first");
-    {
-        const Viewer viewer(LogFile());
-        LogAt(std::chrono::hours(48), L"second");
-        EXPECT_EQ(Lines(LogFile()), "first\nsecond\n");
-    }
-    LogAt(std::chrono::hours(48), L"third");
-    EXPECT_EQ(Lines(LogFile()), "third\n");
-    EXPECT_EQ(Lines(OnlyFileLike(L"天 *.txt")), "first\nsecond\n");
+    ExpectToGoOnWhileHeld(L"天 *.txt");
 }
 
 TEST_F(RollingLog, TimeBasedLogThatIsHeldAtItsCloseKeepsItsLines)
