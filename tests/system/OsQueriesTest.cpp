@@ -39,6 +39,18 @@ std::wstring SysRootOf(const std::wstring& modulePath)
     return KELPKIT::GetSysRoot();
 }
 
+std::wstring g_tempPath;
+
+// Copies a path that fits with its terminator; else tells the size that it wants.
+DWORD WINAPI FakeGetTempPath(DWORD size, wchar_t* buffer)
+{
+    EXPECT_EQ(size, 260U);
+    if (g_tempPath.size() >= size)
+        return static_cast<DWORD>(g_tempPath.size() + 1);
+    std::wmemcpy(buffer, g_tempPath.c_str(), g_tempPath.size() + 1);
+    return static_cast<DWORD>(g_tempPath.size());
+}
+
 OSVERSIONINFOW g_version;
 
 BOOL WINAPI FakeGetVersionEx(OSVERSIONINFOW* version)
@@ -157,15 +169,32 @@ TEST(GetTempPathW, IsEmptyWhereWindowsFails)
     EXPECT_EQ(KELPKIT::GetTempPathW(), L"");
 }
 
+TEST(GetTempPathW, IsWholeUpToTheLongestPathThatFits)
+{
+    const ImportPatch patch("GetTempPathW", &FakeGetTempPath);
+    for (const std::size_t length : {3U, 258U, 259U}) {
+        g_tempPath = L"Q:" + std::wstring(length - 3, L'x') + L"\\";
+        EXPECT_EQ(KELPKIT::GetTempPathW(), g_tempPath) << length;
+    }
+    for (const std::size_t length : {260U, 261U, 32000U}) {
+        g_tempPath = L"Q:" + std::wstring(length - 3, L'x') + L"\\";
+        EXPECT_EQ(KELPKIT::GetTempPathW(), L"") << length;
+    }
+}
+
 TEST(GetTempPathW, IsEmptyWhereThePathIsTooLong)
 {
+    static DWORD returned = 0;
     const ImportPatch patch(
         "GetTempPathW", +[](DWORD size, wchar_t* buffer) -> DWORD {
             EXPECT_EQ(size, 260U);
-            std::wmemset(buffer, L'x', size);
-            return 300;
+            std::wmemset(buffer, L'x', size - 1);
+            return returned;
         });
-    EXPECT_EQ(KELPKIT::GetTempPathW(), L"");
+    for (const DWORD size : {260U, 261U, 262U, 300U}) {
+        returned = size;
+        EXPECT_EQ(KELPKIT::GetTempPathW(), L"") << size << ", whatever the buffer holds";
+    }
 }
 
 TEST(GetComputerNameW, IsWhatWindowsReports)

@@ -42,20 +42,14 @@ bool IsWellFormed(const std::wstring& uuid)
     return true;
 }
 
-int g_draws = 0;
-const ImportPatch* g_random = nullptr;
-
-NTSTATUS WINAPI CountingRandom(BCRYPT_ALG_HANDLE algorithm, PUCHAR bytes, ULONG size, ULONG flags)
-{
-    ++g_draws;
-    return g_random->Original<decltype(::BCryptGenRandom)>()(algorithm, bytes, size, flags);
-}
-
 // Random numbers that are none: byte i of all is i times this.
 unsigned g_step = 0;
 
+int g_draws = 0;
+
 NTSTATUS WINAPI FakeRandom(BCRYPT_ALG_HANDLE, PUCHAR bytes, ULONG size, ULONG)
 {
+    ++g_draws;
     for (ULONG i = 0; i < size; ++i)
         bytes[i] = static_cast<UCHAR>(i * g_step);
     return 0;
@@ -108,6 +102,15 @@ TEST(GenerateUUID, IsMadeByAMersenneTwisterThatTheSystemSeeds)
     }
 }
 
+TEST(GenerateUUID, IsTheKnownOneOfAKnownSeed)
+{
+    const ImportPatch patch("BCryptGenRandom", FakeRandom);
+    g_step = 1;
+    EXPECT_EQ(GenerateUUID(), L"5c9a33ed-adff-4845-b26a-bc00d35aca6b");
+    g_step = 77;
+    EXPECT_EQ(GenerateUUID(), L"7076e161-834b-40a8-b66b-454f00106069");
+}
+
 TEST(GenerateUUID, DoesNotDependOnTheLocale)
 {
     const ImportPatch patch("BCryptGenRandom", FakeRandom);
@@ -151,12 +154,12 @@ TEST(GenerateUUID, EveryDigitTakesEveryValue)
 
 TEST(GenerateUUID, SeedsAGeneratorInEachCall)
 {
-    const ImportPatch patch("BCryptGenRandom", CountingRandom);
-    g_random = &patch;
-    for (int call = 0; call < 3; ++call) {
+    const ImportPatch patch("BCryptGenRandom", FakeRandom);
+    for (const unsigned step : {5U, 5U, 7U, 5U}) {
+        g_step = step;
         g_draws = 0;
-        GenerateUUID();
-        EXPECT_GT(g_draws, 0);
+        EXPECT_EQ(GenerateUUID(), ExpectedUuid()) << "with nothing of the call before";
+        EXPECT_EQ(g_draws, 1);
     }
 }
 
