@@ -14,6 +14,7 @@
 #include <new>
 #include <numeric>
 #include <stdexcept>
+#include <vector>
 
 using KELPKIT::RunGuarded;
 
@@ -111,6 +112,54 @@ private:
     void* m_handler;
 };
 
+// The last that is asked about exceptions of a thread, while it lives: counts those that come so far, and lets who
+// raised them go on.
+class LastFilter
+{
+public:
+    LastFilter() : m_before(::SetUnhandledExceptionFilter(&LetGoOn)) { s_seen.clear(); }
+    LastFilter(const LastFilter&) = delete;
+    LastFilter& operator=(const LastFilter&) = delete;
+    ~LastFilter() { ::SetUnhandledExceptionFilter(m_before); }
+
+    // The codes of the exceptions.
+    static const std::vector<DWORD>& Seen() { return s_seen; }
+
+private:
+    static LONG CALLBACK LetGoOn(EXCEPTION_POINTERS* exception)
+    {
+        s_seen.push_back(exception->ExceptionRecord->ExceptionCode);
+        return EXCEPTION_CONTINUE_EXECUTION;
+    }
+
+    static inline std::vector<DWORD> s_seen;
+
+    LPTOP_LEVEL_EXCEPTION_FILTER m_before;
+};
+
+struct Raising {
+    DWORD code;
+    bool finished;
+};
+
+// Raises an exception in a guard, in a thread with nobody around who would take it.
+bool FinishesRaising(DWORD code)
+{
+    Raising raising = {code, false};
+    const HANDLE thread = ::CreateThread(
+        nullptr, 0,
+        [](void* argument) -> DWORD {
+            auto* const given = static_cast<Raising*>(argument);
+            const auto raise = [](void* number) { ::RaiseException(*static_cast<DWORD*>(number), 0, 0, nullptr); };
+            given->finished = RunGuarded(raise, &given->code);
+            return 0;
+        },
+        &raising, 0, nullptr);
+    EXPECT_EQ(::WaitForSingleObject(thread, INFINITE), WAIT_OBJECT_0);
+    ::CloseHandle(thread);
+    return raising.finished;
+}
+
 } // namespace
 
 TEST(FaultGuard, RunsTheAction)
@@ -127,6 +176,35 @@ TEST(FaultGuard, TakesWhatTheProcessorRaises)
     EXPECT_FALSE(RunGuarded(&DivideByZero, nullptr));
     EXPECT_FALSE(RunGuarded(&ExecuteUnknown, nullptr));
     EXPECT_FALSE(RunGuarded(&ExecutePrivileged, nullptr));
+}
+
+TEST(FaultGuard, TakesEachKindOfFault)
+{
+    const LastFilter filter;
+    for (const DWORD code :
+         {EXCEPTION_ACCESS_VIOLATION, EXCEPTION_ARRAY_BOUNDS_EXCEEDED, EXCEPTION_DATATYPE_MISALIGNMENT,
+          EXCEPTION_FLT_DENORMAL_OPERAND, EXCEPTION_FLT_DIVIDE_BY_ZERO, EXCEPTION_FLT_INEXACT_RESULT,
+          EXCEPTION_FLT_INVALID_OPERATION, EXCEPTION_FLT_OVERFLOW, EXCEPTION_FLT_STACK_CHECK, EXCEPTION_FLT_UNDERFLOW,
+          EXCEPTION_ILLEGAL_INSTRUCTION, EXCEPTION_IN_PAGE_ERROR, EXCEPTION_INT_DIVIDE_BY_ZERO, EXCEPTION_INT_OVERFLOW,
+          EXCEPTION_PRIV_INSTRUCTION})
+        EXPECT_FALSE(FinishesRaising(code)) << std::hex << code;
+    EXPECT_TRUE(LastFilter::Seen().empty());
+}
+
+TEST(FaultGuard, PassesOnEachOtherKindOfException)
+{
+    constexpr DWORD kOfAnApplication = 0xE0000001;
+    constexpr DWORD kHeapCorruption = 0xC0000374;
+    const LastFilter filter;
+    std::vector<DWORD> raised;
+    for (const DWORD code :
+         {EXCEPTION_BREAKPOINT, EXCEPTION_SINGLE_STEP, EXCEPTION_GUARD_PAGE, EXCEPTION_STACK_OVERFLOW,
+          EXCEPTION_INVALID_DISPOSITION, EXCEPTION_NONCONTINUABLE_EXCEPTION, EXCEPTION_INVALID_HANDLE,
+          DWORD{DBG_CONTROL_C}, DWORD{STATUS_NO_MEMORY}, kHeapCorruption, kOfAnApplication}) {
+        raised.push_back(code);
+        EXPECT_TRUE(FinishesRaising(code)) << std::hex << code;
+    }
+    EXPECT_EQ(LastFilter::Seen(), raised);
 }
 
 TEST(FaultGuard, GivesUpTheActionWhereItFaults)
