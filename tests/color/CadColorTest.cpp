@@ -1,9 +1,12 @@
+#include "support/FailingHeap.h"
+
 #include <Kelpkit/Color.h>
 
 #include <gtest/gtest.h>
 
 #include <windows.h>
 
+#include <cstddef>
 #include <numeric>
 #include <string>
 #include <utility>
@@ -83,6 +86,15 @@ void ExpectRow(const Row& row)
         << testing::PrintToString(std::wstring(row.index));
 }
 
+// How many blocks of memory the library keeps from a lookup.
+std::ptrdiff_t KeptFor(const std::wstring& index)
+{
+    const test::FailingHeap heap;
+    const std::ptrdiff_t before = test::FailingHeap::Held();
+    CADColorToREF(index);
+    return test::FailingHeap::Held() - before;
+}
+
 } // namespace
 
 TEST(CADColorToREF, EveryIndexHasTheColourOfTheRule)
@@ -134,4 +146,9 @@ TEST(CADColorToREF, AnyOtherTextIsBlackEachTime)
             EXPECT_EQ(CADColorToREF(other), 0U) << testing::PrintToString(other);
     }
     EXPECT_EQ(CADColorToREF(L"1"), 0x0000FFU) << "the table still stands";
+
+    static int runs = 0;
+    const std::wstring other = L"no index, run " + std::to_wstring(++runs);
+    EXPECT_EQ(KeptFor(other), 2) << "a node and its text";
+    EXPECT_EQ(KeptFor(other), 0) << "the table has them";
 }
