@@ -14,17 +14,24 @@
 #include <gtest/gtest.h>
 
 #include <log4cplus/appender.h>
+#include <log4cplus/helpers/property.h>
 #include <log4cplus/hierarchy.h>
+#include <log4cplus/layout.h>
 #include <log4cplus/logger.h>
+#include <log4cplus/loglevel.h>
+#include <log4cplus/spi/factory.h>
 #include <log4cplus/spi/loggingevent.h>
 
 #include <windows.h>
 
+#include <algorithm>
 #include <atomic>
 #include <climits>
 #include <clocale>
 #include <cstdlib>
+#include <ctime>
 #include <map>
+#include <memory>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -53,6 +60,62 @@ public:
 protected:
     void append(const log4cplus::spi::InternalLoggingEvent&) override { throw std::runtime_error("appender"); }
 };
+
+// Is told what keeps an appender from writing.
+class ThrowingErrorHandler : public log4cplus::ErrorHandler
+{
+public:
+    void error(const log4cplus::tstring&) override
+    {
+        ++s_errors;
+        throw std::runtime_error("error handler");
+    }
+    void reset() override {}
+
+    static inline int s_errors;
+};
+
+// What an application adds to log4cplus for its property files: the appender factory "test::Throwing", from which
+// log4cplus lets through only what is no std::exception, the layout "test::ThrowingLayout", and the level "THROWING".
+class ThrowingAppenderFactory : public log4cplus::spi::AppenderFactory
+{
+public:
+    const log4cplus::tstring& getTypeName() const override { return m_name; }
+    log4cplus::SharedAppenderPtr createObject(const log4cplus::helpers::Properties&) override { throw "factory"; }
+
+private:
+    const log4cplus::tstring m_name = L"test::Throwing";
+};
+
+class ThrowingLayout : public log4cplus::Layout
+{
+public:
+    explicit ThrowingLayout(const log4cplus::helpers::Properties& properties) : Layout(properties) {}
+    void formatAndAppend(log4cplus::tostream&, const log4cplus::spi::InternalLoggingEvent&) override
+    {
+        throw std::runtime_error("layout");
+    }
+};
+
+log4cplus::LogLevel ThrowingLevel(const log4cplus::tstring& name)
+{
+    if (name == L"THROWING")
+        throw std::runtime_error("level");
+    return log4cplus::NOT_SET_LOG_LEVEL;
+}
+
+void AddWhatThrows()
+{
+    using log4cplus::spi::LayoutFactory;
+    static const bool added = [] {
+        log4cplus::spi::getAppenderFactoryRegistry().put(std::make_unique<ThrowingAppenderFactory>());
+        log4cplus::spi::getLayoutFactoryRegistry().put(
+            std::make_unique<log4cplus::spi::FactoryTempl<ThrowingLayout, LayoutFactory>>(L"test::ThrowingLayout"));
+        log4cplus::getLogLevelManager().pushFromStringMethod(&ThrowingLevel);
+        return true;
+    }();
+    static_cast<void>(added);
+}
 
 // The log as a new process has it: no appender, every level enabled at the logger, an empty property set.
 class Log : public testing::Test
@@ -126,9 +189,29 @@ protected:
         return text;
     }
 
+    // Whether a log with proper properties works, whatever was before.
+    void ExpectWorks()
+    {
+        const std::wstring file = Folder() / (L"works " + std::to_wstring(++m_checks) + L".log");
+        WriteProperties(kProperties);
+        StartLog(file);
+        CLogMsg::LogMsg(LV_TRACE, L"it works");
+        EXPECT_EQ(Lines(file), "it works\n");
+    }
+
 private:
     TempFolder m_folder;
+    int m_checks = 0;
 };
+
+// As "2026-11-20 11:14:56".
+std::string LocalTimeText()
+{
+    const std::time_t now = std::time(nullptr);
+    char text[32];
+    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", std::localtime(&now));
+    return text;
+}
 
 // A variable of the environment as the C runtime has it, which is a copy of the process's own.
 class RuntimeVariable
@@ -252,9 +335,15 @@ TEST_F(Log, LetsNoExceptionOfAnAppenderThrough)
     EXPECT_NO_THROW(CLogMsg::LogMsg(LV_FATAL, L"text"));
 }
 
-TEST_F(Log, MessagesBeforeTheConfigurationDoNoHarm)
+TEST_F(FileLog, MessagesBeforeTheConfigurationDoNoHarm)
 {
-    CLogMsg::LogMsg(LV_FATAL, L"text");
+    EXPECT_NO_THROW(CLogMsg::LogMsg(LV_FATAL, L"before all"));
+    CLogMsg::SetProperties(PropertyFile());
+    EXPECT_NO_THROW(CLogMsg::LogMsg(LV_FATAL, L"before the path"));
+    CLogMsg::SetLogPath(Folder() / L"run.log");
+    EXPECT_EQ(Lines(Folder() / L"run.log"), "");
+    CLogMsg::LogMsg(LV_INFO, L"text");
+    EXPECT_EQ(Lines(Folder() / L"run.log"), "text\n");
 }
 
 TEST_F(Log, SetLogPathBeforeSetPropertiesDefinesNoAppender)
@@ -297,8 +386,19 @@ TEST_F(FileLog, PrintsWholeDates)
     WriteProperties(std::string(kProperties) +
                     "log4cplus.appender.fileAppender.layout.ConversionPattern=%D{%Y-%m-%d %H:%M:%S}|%D{%S}|%m%n\n");
     StartLog(Folder() / L"run.log");
+    const std::string before = LocalTimeText();
     CLogMsg::LogMsg(LV_INFO, L"text");
-    EXPECT_EQ(Lines(Folder() / L"run.log").size(), std::string("2026-11-20 11:14:56|56|text\n").size());
+    const std::string after = LocalTimeText();
+
+    const std::string line = Lines(Folder() / L"run.log");
+    std::string shape = line;
+    std::replace_if(
+        shape.begin(), shape.end(), [](char c) { return c >= '0' && c <= '9'; }, '0');
+    ASSERT_EQ(shape, "0000-00-00 00:00:00|00|text\n");
+    const std::string date = line.substr(0, before.size());
+    EXPECT_LE(before, date);
+    EXPECT_LE(date, after);
+    EXPECT_EQ(line.substr(20, 2), date.substr(17));
 }
 
 TEST_F(FileLog, HoldsTheAnsiBytesOfAMessage)
@@ -476,6 +576,7 @@ TEST_F(FileLog, ReadsAPropertyFileWithForeignTextAfterTheLocaleOfTheProcessChang
 
 TEST_F(FileLog, LetsNoExceptionThroughForNonsenseInThePropertyFile)
 {
+    AddWhatThrows();
     const std::string nonsense[] = {
         "log4cplus.rootLogger=NONSENSE, fileAppender\n",
         "log4cplus.rootLogger=\n",
@@ -492,12 +593,19 @@ TEST_F(FileLog, LetsNoExceptionThroughForNonsenseInThePropertyFile)
         "log4cplus.disable=NONSENSE\nlog4cplus.additivity.log=maybe\n",
         "log4cplus.rootLogger=${NO_SUCH_VARIABLE}, ${\n",
         std::string("\0\0\xFF\xFE=\0", 6),
+        // What the application added to log4cplus throws.
+        "log4cplus.rootLogger=THROWING, fileAppender\n",
+        "log4cplus.logger.log=THROWING\n",
+        "log4cplus.appender.fileAppender=test::Throwing\n",
+        "log4cplus.appender.other=test::Throwing\n",
+        "log4cplus.appender.fileAppender.layout=test::ThrowingLayout\n",
     };
     for (const std::string& lines : nonsense) {
         SCOPED_TRACE(lines);
         WriteProperties(kProperties + lines);
         EXPECT_NO_THROW(StartLog(Folder() / L"run.log"));
         EXPECT_NO_THROW(CLogMsg::LogMsg(LV_FATAL, L"text"));
+        ExpectWorks();
         Reset();
     }
 }
@@ -515,12 +623,22 @@ TEST_F(FileLog, WorksAgainAfterNonsense)
 TEST_F(FileLog, DoesNoHarmWhereTheFileCannotBeWritten)
 {
     ASSERT_TRUE(::CreateDirectoryW((Folder() / L"folder.log").c_str(), nullptr)) << test::LastErrorText();
-    EXPECT_NO_THROW(StartLog(Folder() / L"folder.log"));
-    EXPECT_NO_THROW(CLogMsg::LogMsg(LV_FATAL, L"text"));
-    EXPECT_NO_THROW(StartLog(L"Q:\\no\\drive\\run.log"));
-    EXPECT_NO_THROW(CLogMsg::LogMsg(LV_FATAL, L"text"));
-    EXPECT_NO_THROW(StartLog(L""));
-    EXPECT_NO_THROW(CLogMsg::LogMsg(LV_FATAL, L"text"));
+    for (const std::wstring& path :
+         {Folder() / L"folder.log", std::wstring(L"Q:\\no\\drive\\run.log"), std::wstring()}) {
+        SCOPED_TRACE(UnicodeToUTF8(path));
+        EXPECT_NO_THROW(StartLog(path));
+        const log4cplus::SharedAppenderPtr appender = log4cplus::Logger::getRoot().getAppender(L"fileAppender");
+        ASSERT_TRUE(appender);
+        appender->setErrorHandler(std::make_unique<ThrowingErrorHandler>());
+        ThrowingErrorHandler::s_errors = 0;
+        for (int message = 0; message < 3; ++message)
+            EXPECT_NO_THROW(CLogMsg::LogMsg(LV_FATAL, L"text"));
+        EXPECT_GE(ThrowingErrorHandler::s_errors, 2)
+            << "a stream that was never opened fails from its second message on";
+        WriteProperties(kProperties);
+        ExpectWorks();
+    }
+    EXPECT_TRUE(CheckFolderExis(Folder() / L"folder.log"));
 }
 
 TEST_F(FileLog, RollsOverIntoNumberedFiles)
@@ -528,12 +646,20 @@ TEST_F(FileLog, RollsOverIntoNumberedFiles)
     WriteProperties(std::string(kProperties) + "log4cplus.appender.fileAppender.MaxFileSize=200KB\n"
                                                "log4cplus.appender.fileAppender.MaxBackupIndex=3\n");
     StartLog(Folder() / L"滚动.log");
-    const std::wstring line(1000, L'x');
-    for (int i = 0; i < 500; ++i)
-        CLogMsg::LogMsg(LV_INFO, line.c_str());
-    EXPECT_TRUE(CheckFileExis(Folder() / L"滚动.log"));
-    EXPECT_TRUE(CheckFileExis(Folder() / L"滚动.log.1"));
-    EXPECT_TRUE(CheckFileExis(Folder() / L"滚动.log.2"));
+    // 205 lines of 1002 bytes are the first that are more than 200 KB.
+    const auto line = [](int number) { return std::to_string(10000 + number) + std::string(995, 'x'); };
+    for (int i = 0; i < 1100; ++i)
+        CLogMsg::LogMsg(LV_INFO, AnsiToUnicode(line(i)).c_str());
+    const auto lines = [&line](int begin, int end) {
+        std::string text;
+        for (int i = begin; i < end; ++i)
+            text += line(i) + "\n";
+        return text;
+    };
+    EXPECT_TRUE(Lines(Folder() / L"滚动.log") == lines(1025, 1100));
+    EXPECT_TRUE(Lines(Folder() / L"滚动.log.1") == lines(820, 1025));
+    EXPECT_TRUE(Lines(Folder() / L"滚动.log.2") == lines(615, 820));
+    EXPECT_TRUE(Lines(Folder() / L"滚动.log.3") == lines(410, 615)) << "what was before is gone";
     EXPECT_FALSE(CheckFileExis(Folder() / L"滚动.log.4"));
 }
 
