@@ -310,6 +310,7 @@ TEST_F(RecordedLog, WritesNothingBelowTheEnabledLevel)
 TEST_F(RecordedLog, ConvertsNothingBelowTheEnabledLevel)
 {
     static int conversions = 0;
+    conversions = 0;
     const ImportPatch patch(
         "WideCharToMultiByte", +[](UINT codePage, DWORD flags, const wchar_t* text, int size, char* out, int outSize,
                                    const char* defaultChar, BOOL* usedDefault) {
