@@ -60,6 +60,32 @@ private:
     ImportPatch m_patch{"GetFileInformationByHandle", Fake};
 };
 
+// While it lives, one number alone tells folders apart for Kelpkit. One at a time.
+class OneNumberDiffers
+{
+public:
+    using Number = DWORD BY_HANDLE_FILE_INFORMATION::*;
+
+    explicit OneNumberDiffers(Number number) { s_number = number; }
+
+private:
+    static BOOL WINAPI Fake(HANDLE folder, BY_HANDLE_FILE_INFORMATION* information)
+    {
+        const BOOL result = ::GetFileInformationByHandle(folder, information);
+        const DWORD trueIndex = information->nFileIndexLow;
+        information->ftCreationTime = {7, 7};
+        information->dwVolumeSerialNumber = 7;
+        information->nFileIndexHigh = 7;
+        information->nFileIndexLow = 7;
+        information->*s_number = trueIndex;
+        return result;
+    }
+
+    static inline Number s_number;
+
+    ImportPatch m_patch{"GetFileInformationByHandle", Fake};
+};
+
 void ExpectCopiesSubfolders()
 {
     const TempFolder folder;
@@ -111,6 +137,17 @@ TEST(CopyFolder, CopiesSubfoldersThatHaveTheIndexOfTheDestination)
          {SameIndex::Created::kAtATimeOfItsOwn, SameIndex::Created::kNobodyKnowsWhen}) {
         const SameIndex same(7, created);
         ExpectCopiesSubfolders();
+    }
+}
+
+TEST(CopyFolder, CopiesSubfoldersThatAreMadeAtTheTimeOfTheDestination)
+{
+    for (const OneNumberDiffers::Number number :
+         {&BY_HANDLE_FILE_INFORMATION::dwVolumeSerialNumber, &BY_HANDLE_FILE_INFORMATION::nFileIndexHigh,
+          &BY_HANDLE_FILE_INFORMATION::nFileIndexLow}) {
+        const OneNumberDiffers differs(number);
+        ExpectCopiesSubfolders();
+        ExpectCopiesNothingIntoItself();
     }
 }
 
