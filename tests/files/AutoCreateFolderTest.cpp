@@ -1,5 +1,5 @@
 #include "support/CurrentFolder.h"
-#include "support/FileHolder.h"
+#include "support/FileCallRecorder.h"
 #include "support/FolderTree.h"
 #include "support/TempFolder.h"
 
@@ -11,6 +11,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 using namespace KELPKIT;
 using test::CurrentFolder;
@@ -66,7 +67,17 @@ TEST(CAutoCreateFolder, RelativePathIsDeletedInTheFolderThatIsCurrentAtTheEnd)
 
 TEST(CAutoCreateFolder, EmptyPathDoesNothing)
 {
-    const CAutoCreateFolder scoped(L"");
+    const TempFolder folder;
+    MakeTree(folder / L"here", {L"a", L"sub\\", L"sub\\b"});
+    const CurrentFolder current(folder / L"here");
+    const test::FileCallRecorder recorder;
+    {
+        const CAutoCreateFolder scoped(L"");
+        // It is given to the system as it is, which refuses it.
+        EXPECT_EQ(recorder.Calls(), std::vector<std::wstring>{L"create "});
+    }
+    EXPECT_EQ(recorder.Calls().size(), 1U);
+    EXPECT_EQ(ListTree(folder / L"here"), (std::vector<std::wstring>{L"a", L"sub\\", L"sub\\b"}));
 }
 
 TEST(CAutoCreateFolder, PathOfAFileDeletesNothing)
