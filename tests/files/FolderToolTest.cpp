@@ -1,3 +1,4 @@
+#include "support/CopyNeedFile.h"
 #include "support/CurrentFolder.h"
 #include "support/FailingCall.h"
 #include "support/FileCallRecorder.h"
@@ -7,6 +8,7 @@
 #include "support/FolderTree.h"
 #include "support/ImportPatch.h"
 #include "support/LastError.h"
+#include "support/OddLocale.h"
 #include "support/TempFolder.h"
 
 #include <Kelpkit/Files.h>
@@ -21,6 +23,7 @@
 #include <vector>
 
 using namespace KELPKIT;
+using test::CopyNeedFile;
 using test::Exists;
 using test::FailingCall;
 using test::FileCallRecorder;
@@ -51,6 +54,14 @@ Entries CopiedWithout(const std::wstring& paths, const std::wstring& extensions,
 Entries CopiedWithoutExtensions(const std::wstring& extensions, const Entries& entries)
 {
     return CopiedWithout(L"", extensions, entries);
+}
+
+// Whether the tool leaves a file of this path out. There need not be such a file.
+bool LeavesOut(CFileFolderManageTool& tool, const std::wstring& path)
+{
+    const FileCallRecorder recorder;
+    EXPECT_EQ(CopyNeedFile(tool, path, L""), 0);
+    return FileCallRecorder::Calls().empty();
 }
 
 // A tree of 300 folders in 30 and 5,000 files in them.
@@ -181,6 +192,96 @@ TEST(SetNoNeedFilePath, SourceWithATrailingBackslashBuildsDoubledOnes)
     tool.SetNoNeedFilePath(folder / L"src\\a$" + (folder / L"src\\\\b"));
     EXPECT_TRUE(tool.CopyFolder(folder / L"src\\", folder / L"dst"));
     EXPECT_EQ(ListTree(folder / L"dst"), Entries{L"a"});
+}
+
+TEST(SetNoNeedFileExName, EmptyEntryExcludesPathsThatEndInADot)
+{
+    for (const wchar_t* const list : {L"$", L"$x", L"x$$y"}) {
+        CFileFolderManageTool tool;
+        tool.SetNoNeedFileExName(list);
+        EXPECT_TRUE(LeavesOut(tool, L"a.")) << testing::PrintToString(std::wstring(list));
+        EXPECT_FALSE(LeavesOut(tool, L"a")) << testing::PrintToString(std::wstring(list));
+        EXPECT_FALSE(LeavesOut(tool, L"a.b")) << testing::PrintToString(std::wstring(list));
+    }
+    for (const wchar_t* const list : {L"", L"x", L"x$y$"}) {
+        CFileFolderManageTool tool;
+        tool.SetNoNeedFileExName(list);
+        EXPECT_FALSE(LeavesOut(tool, L"a.")) << testing::PrintToString(std::wstring(list));
+    }
+}
+
+TEST(SetNoNeedFilePath, EmptyEntryExcludesTheEmptyPathOnly)
+{
+    CFileFolderManageTool tool;
+    tool.SetNoNeedFilePath(L"$x$");
+    EXPECT_TRUE(LeavesOut(tool, L""));
+    EXPECT_TRUE(LeavesOut(tool, L"X"));
+    EXPECT_FALSE(LeavesOut(tool, L"a"));
+    tool = {};
+    tool.SetNoNeedFilePath(L"x$");
+    EXPECT_FALSE(LeavesOut(tool, L""));
+}
+
+TEST(CFileFolderManageTool, LowersTheCaseAsTheGlobalLocaleDoesAtEachCall)
+{
+    CFileFolderManageTool asUsual;
+    asUsual.SetNoNeedFilePath(L"B");
+    asUsual.SetNoNeedFileExName(L"B");
+    EXPECT_TRUE(LeavesOut(asUsual, L"b"));
+    EXPECT_TRUE(LeavesOut(asUsual, L"x.b"));
+    EXPECT_FALSE(LeavesOut(asUsual, L"a"));
+    EXPECT_FALSE(LeavesOut(asUsual, L"x.a"));
+
+    CFileFolderManageTool oddly;
+    {
+        // The lower-case form of a character is the next one.
+        const test::OddLocale odd;
+        oddly.SetNoNeedFilePath(L"b");
+        oddly.SetNoNeedFileExName(L"b");
+        EXPECT_TRUE(LeavesOut(asUsual, L"a"));
+        EXPECT_TRUE(LeavesOut(asUsual, L"x.a"));
+        EXPECT_FALSE(LeavesOut(asUsual, L"b"));
+        EXPECT_FALSE(LeavesOut(asUsual, L"x.b"));
+    }
+    EXPECT_TRUE(LeavesOut(oddly, L"C"));
+    EXPECT_TRUE(LeavesOut(oddly, L"x.C"));
+    EXPECT_FALSE(LeavesOut(oddly, L"b"));
+    EXPECT_FALSE(LeavesOut(oddly, L"x.b"));
+}
+
+TEST(CFileFolderManageTool, LowersOnlyAToZInTheDefaultLocale)
+{
+    CFileFolderManageTool tool;
+    tool.SetNoNeedFileExName(L"AZÄΩЖ");
+    EXPECT_TRUE(LeavesOut(tool, L"x.azÄΩЖ"));
+    EXPECT_FALSE(LeavesOut(tool, L"x.azäωж"));
+}
+
+TEST(CopyNeedFile, CopiesOverAFileThatIsThere)
+{
+    const TempFolder folder;
+    MakeTree(folder / L"src", {L"a", L"b"});
+    CFileFolderManageTool tool;
+    EXPECT_NE(CopyNeedFile(tool, folder / L"src\\a", folder / L"src\\b"), 0);
+    EXPECT_EQ(ReadFileBytes(folder / L"src\\b"), ReadFileBytes(folder / L"src\\a"));
+    EXPECT_EQ(CopyNeedFile(tool, folder / L"src\\missing", folder / L"src\\b"), 0);
+}
+
+TEST(CopyNeedFile, LeavesOutWhatIsExcludedByPathOrExtension)
+{
+    const TempFolder folder;
+    const std::wstring source = folder / L"src\\";
+    MakeTree(folder / L"src", {L"a.x", L"b.y", L"c.z"});
+    CFileFolderManageTool tool;
+    tool.SetNoNeedFilePath(source + L"A.X");
+    tool.SetNoNeedFileExName(L"Y");
+    for (const wchar_t* const name : {L"a.x", L"b.y"}) {
+        EXPECT_EQ(CopyNeedFile(tool, source + name, folder / L"copy"), 0) << testing::PrintToString(std::wstring(name));
+        EXPECT_FALSE(Exists(folder / L"copy"));
+    }
+    // Only the source counts.
+    for (const wchar_t* const copy : {L"copy", L"src\\a.x", L"copy.y"})
+        EXPECT_NE(CopyNeedFile(tool, source + L"c.z", folder / copy), 0) << testing::PrintToString(std::wstring(copy));
 }
 
 TEST(CFileFolderManageTool, CopiesTakeTheExclusionsAlong)

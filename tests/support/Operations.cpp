@@ -2,6 +2,7 @@
 
 #include <Kelpkit/XMLParser.h>
 
+#include "support/CopyNeedFile.h"
 #include "support/FileContents.h"
 #include "support/FolderTree.h"
 #include "support/Operations.h"
@@ -33,17 +34,6 @@ namespace test
 {
 namespace
 {
-
-// Some exported operations are private members. An explicit instantiation may name them.
-template <class Tag, typename Tag::Member member>
-struct Expose {
-    friend typename Tag::Member Exposed(Tag /*unused*/) { return member; }
-};
-struct CopyNeedFileTag {
-    using Member = int (CFileFolderManageTool::*)(const std::wstring&, const std::wstring&);
-    friend Member Exposed(CopyNeedFileTag);
-};
-template struct Expose<CopyNeedFileTag, &CFileFolderManageTool::CopyNeedFile>;
 
 // Results as text.
 
@@ -351,8 +341,7 @@ void AddFolders(std::vector<Operation>& rows)
     rows.push_back({{prefix + "CopyNeedFile(std::wstring const&, std::wstring const&)"},
                     [](const std::wstring& folder) {
                         CFileFolderManageTool tool;
-                        const auto copyNeedFile = Exposed(CopyNeedFileTag());
-                        return Shown((tool.*copyNeedFile)(ModelFile(folder), folder + L"\\copy.qmx"));
+                        return Shown(CopyNeedFile(tool, ModelFile(folder), folder + L"\\copy.qmx"));
                     },
                     0,
                     WriteModel});
