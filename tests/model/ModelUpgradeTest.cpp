@@ -220,6 +220,25 @@ TEST_F(ModelUpgrade, CountsStaleOutputsAsFound)
     EXPECT_EQ(ReadFileBytes(qmx), "stale");
 }
 
+TEST_F(ModelUpgrade, CountsFoldersOfTheOutputsNamesAsFound)
+{
+    InstallConverter(L"Pelvane.exe");
+    MakeDirectory(ModelFolder() + L"gear_new.hsf");
+    EXPECT_FALSE(Upgrade(Model(), L"none", L"gear"));
+    MakeDirectory(ModelFolder() + L"gear_new.qmx");
+    EXPECT_TRUE(Upgrade(Model(), L"none", L"gear"));
+    EXPECT_EQ(qmx, ModelFolder() + L"gear_new.qmx");
+    EXPECT_EQ(hsf, ModelFolder() + L"gear_new.hsf");
+    EXPECT_EQ(error, L"");
+}
+
+TEST_F(ModelUpgrade, FailsToStartAFolderOfTheConvertersName)
+{
+    MakeDirectory(HostFolder() + L"Pelvane.exe");
+    EXPECT_FALSE(Upgrade(Model(), L"full", L"gear"));
+    EXPECT_EQ(error, L"升级进程启动失败!");
+}
+
 TEST_F(ModelUpgrade, LooksForTheOutputsBehindTheWholePathOfAnInputWithoutBackslash)
 {
     InstallConverter(L"Pelvane.exe");
