@@ -123,6 +123,22 @@ TEST(XMLTree, GoesToChildrenByIndexAndName)
     EXPECT_EQ(ChildCount(*tree), 3) << "the document element has no parent";
 }
 
+TEST(XMLTree, GoesToChildrenOfAChildByIndex)
+{
+    const TreeFile file("<r><a>0</a><b><c>1</c><d>2</d><e>3</e></b><f>4</f></r>");
+    const IXMLTreePtr tree = file.Tree();
+    tree->GoToChildAt(1);
+    tree->GoToChildAt(1);
+    EXPECT_EQ(TextOf(*tree), L"2");
+    tree->GoToParent();
+    tree->GoToChildAt(2);
+    EXPECT_EQ(TextOf(*tree), L"3");
+    tree->GoToParent();
+    tree->GoToParent();
+    tree->GoToChildAt(2);
+    EXPECT_EQ(TextOf(*tree), L"4");
+}
+
 TEST(XMLTree, GoesToTheRightChildAfterEdits)
 {
     const TreeFile file("<r><a/><b/><c/><d/></r>");
