@@ -2,6 +2,7 @@
 
 #include "support/FailingCall.h"
 #include "support/TempFolder.h"
+#include "xmlparser/Sharing.h"
 #include "xmlparser/TreeFile.h"
 
 #include <gtest/gtest.h>
@@ -32,10 +33,11 @@ TEST(XMLTreeLoad, IsEmptyAfterAFailedLoad)
 
 TEST(XMLTreeLoad, LeavesErrorsInUtf8AsTheyAre)
 {
-    const TreeFile file("<r>\xC4\xE3\xFF<a/></r>");
-    EXPECT_EQ(file.Text(L"").empty(), false);
+    const TreeFile file("<r>\xC4\xE3x\xFFy<a/></r>");
+    EXPECT_EQ(file.Text(L""), L"\xFFFD\xFFFDx\xFFFDy");
     EXPECT_TRUE(file.Add(L"b", L"1"));
-    EXPECT_EQ(file.Bytes(), "<r>\xC4\xE3\xFF<a/><b>1</b></r>");
+    EXPECT_EQ(file.Bytes(), "<r>\xC4\xE3x\xFFy<a/><b>1</b></r>");
+    EXPECT_EQ(file.Text(L""), L"\xFFFD\xFFFDx\xFFFDy");
 }
 
 TEST(XMLTreeLoad, RefusesMalformedFiles)
@@ -100,6 +102,17 @@ TEST(XMLTreeLoad, RefusesWhatIsNoFile)
     EXPECT_FALSE(tree->LoadFile(L""));
     EXPECT_FALSE(tree->LoadFile(L"NUL"));
     EXPECT_FALSE(tree->LoadFile(L"?*"));
+}
+
+TEST(XMLTreeLoad, ReadsAFileThatOthersHaveOpen)
+{
+    const TreeFile file("<r/>");
+    for (const DWORD access : test::kAccesses) {
+        const test::FileHolder other(file.Path().GetString(), access, test::kShareAll);
+        EXPECT_TRUE(file.Loads()) << access;
+    }
+    const test::FileHolder reader(file.Path().GetString(), GENERIC_READ, FILE_SHARE_READ);
+    EXPECT_TRUE(file.Loads());
 }
 
 TEST(XMLTreeLoad, FailsWhereTheFileCannotBeRead)

@@ -1,10 +1,10 @@
 #include <Kelpkit/XMLParser.h>
 
 #include "support/FailingCall.h"
-#include "support/FileHolder.h"
 #include "support/FolderTree.h"
 #include "support/HandleCount.h"
 #include "support/ImportPatch.h"
+#include "xmlparser/Sharing.h"
 #include "xmlparser/TreeFile.h"
 
 #include <gtest/gtest.h>
@@ -21,11 +21,10 @@ namespace
 {
 
 using test::FailingCall;
-using test::FileHolder;
+using test::HeldFile;
 using test::ImportPatch;
+using test::kShareAll;
 using test::TreeFile;
-
-constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
 // While it lives, saves can make no file in any folder.
 class NoNewFiles
@@ -137,24 +136,22 @@ TEST_P(XMLTreeOverwrite, FailsOnAMissingOrReadOnlyFile)
 
 TEST_P(XMLTreeOverwrite, FailsWhileAnotherHoldsTheFile)
 {
-    const FileHolder holder(m_file.Path().GetString(), GENERIC_READ, kShareAll);
-    ExpectNoSave();
+    for (const DWORD access : test::kAccesses) {
+        {
+            const HeldFile holder(m_file.Path().GetString(), access, kShareAll, HeldFile::kForEver);
+            EXPECT_FALSE(Save()) << access;
+            EXPECT_GE(holder.Now(), 500U) << access;
+            EXPECT_LT(holder.Now(), 1000U) << access;
+        }
+        EXPECT_EQ(m_file.Bytes(), Before()) << access;
+    }
 }
 
 TEST_P(XMLTreeOverwrite, WaitsForAReaderThatLetsGo)
 {
-    static HANDLE s_reader;
-    s_reader = ::CreateFileW(m_file.Path().GetString(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr);
-    ASSERT_NE(s_reader, INVALID_HANDLE_VALUE);
-    static int s_waits;
-    s_waits = 0;
-    const ImportPatch patch(
-        L"XMLParser.dll", "Sleep", +[](DWORD) {
-            if (++s_waits == 3)
-                ::CloseHandle(s_reader);
-        });
+    const HeldFile reader(m_file.Path().GetString(), GENERIC_READ, kShareAll, 3);
     EXPECT_TRUE(m_tree->SaveFile(m_file.Path()));
-    EXPECT_EQ(s_waits, 3);
+    EXPECT_EQ(reader.Now(), 3U);
     EXPECT_EQ(m_file.Bytes(), After());
 }
 
@@ -184,20 +181,19 @@ TEST_P(XMLTreeOverwrite, CutsTheFileWhenTheNewContentIsOnTheDisk)
 
 TEST_P(XMLTreeOverwrite, ShowsReadersNothingHalfWritten)
 {
-    static CString s_path;
-    s_path = m_file.Path();
-    static DWORD s_error;
-    s_error = 0;
+    static std::wstring s_path;
+    s_path = m_file.Path().GetString();
+    static int s_writes;
+    s_writes = 0;
     const ImportPatch write(
         L"XMLParser.dll", "WriteFile",
         +[](HANDLE handle, const void* bytes, DWORD size, DWORD* written, OVERLAPPED*) -> BOOL {
-            EXPECT_EQ(::CreateFileW(s_path.GetString(), GENERIC_READ, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr),
-                      INVALID_HANDLE_VALUE);
-            s_error = ::GetLastError();
+            ++s_writes;
+            test::ExpectNobodyCanOpen(s_path);
             return ::WriteFile(handle, bytes, size, written, nullptr);
         });
     EXPECT_TRUE(Save());
-    EXPECT_EQ(s_error, DWORD{ERROR_SHARING_VIOLATION});
+    EXPECT_EQ(s_writes, 1);
 }
 
 TEST(XMLTreeSave, OverwritesAFileWhosePathIsAsLongAsCanBe)

@@ -7,6 +7,7 @@
 #include "support/ImportPatch.h"
 #include "support/LastError.h"
 #include "support/Threads.h"
+#include "xmlparser/Sharing.h"
 #include "xmlparser/TreeFile.h"
 
 #include <gtest/gtest.h>
@@ -26,10 +27,10 @@ namespace
 
 using test::FailingCall;
 using test::FileHolder;
+using test::HeldFile;
 using test::ImportPatch;
+using test::kShareAll;
 using test::TreeFile;
-
-constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
 // The end of the name under which this thread writes beside the file.
 std::wstring TemporaryEnding()
@@ -54,6 +55,13 @@ void ExpectNoSave(const TreeFile& file)
     EXPECT_EQ(test::ListTree(file.Folder().Path()), std::vector<std::wstring>{L"file.xml"});
 }
 
+// It waited for longer than a moment and less than a second.
+void ExpectToHaveGivenUp()
+{
+    EXPECT_GE(HeldFile::Now(), 500U);
+    EXPECT_LT(HeldFile::Now(), 1000U);
+}
+
 std::vector<std::byte> Dacl(const CString& path)
 {
     DWORD size = 0;
@@ -62,6 +70,35 @@ std::vector<std::byte> Dacl(const CString& path)
     EXPECT_TRUE(::GetFileSecurityW(path.GetString(), DACL_SECURITY_INFORMATION, descriptor.data(), size, &size));
     return descriptor;
 }
+
+// The access rights with which saves make their files, while it lives. One at a time.
+class GivenRights
+{
+public:
+    GivenRights() { s_rights.clear(); }
+
+    static const std::vector<std::byte>& Bytes() { return s_rights; }
+
+private:
+    static void Note(const SECURITY_ATTRIBUTES* security)
+    {
+        s_rights.clear();
+        if (security == nullptr || !::IsValidSecurityDescriptor(security->lpSecurityDescriptor))
+            return;
+        const auto* const bytes = static_cast<const std::byte*>(security->lpSecurityDescriptor);
+        s_rights.assign(bytes, bytes + ::GetSecurityDescriptorLength(security->lpSecurityDescriptor));
+    }
+
+    static inline std::vector<std::byte> s_rights;
+
+    ImportPatch m_patch{L"XMLParser.dll", "CreateFileW",
+                        +[](const wchar_t* path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security,
+                            DWORD disposition, DWORD flags, HANDLE model) -> HANDLE {
+                            if (disposition == CREATE_NEW)
+                                Note(security);
+                            return ::CreateFileW(path, access, share, security, disposition, flags, model);
+                        }};
+};
 
 // The whole content of the file, read as others read it.
 std::string ReadShared(const CString& path)
@@ -110,18 +147,30 @@ TEST(XMLTreeSave, KeepsAttributesAndAccessRights)
 TEST(XMLTreeSave, MakesTheFileWithTheOldOnesAccessRights)
 {
     const TreeFile file("<r/>");
-    static bool s_hasRights;
-    s_hasRights = false;
-    const ImportPatch patch(
-        L"XMLParser.dll", "CreateFileW",
-        +[](const wchar_t* path, DWORD access, DWORD share, SECURITY_ATTRIBUTES* security, DWORD disposition,
-            DWORD flags, HANDLE model) -> HANDLE {
-            if (disposition == CREATE_NEW)
-                s_hasRights = security != nullptr && security->lpSecurityDescriptor != nullptr;
-            return ::CreateFileW(path, access, share, security, disposition, flags, model);
+    const std::vector<std::byte> rights = Dacl(file.Path());
+    ASSERT_FALSE(rights.empty());
+    const GivenRights given;
+    EXPECT_TRUE(file.Add(L"a", L"1"));
+    EXPECT_EQ(given.Bytes(), rights);
+}
+
+TEST(XMLTreeSave, MakesTheFileWithAccessRightsOfAnySize)
+{
+    const TreeFile file("<r/>");
+    const std::vector<std::byte> rights = Dacl(file.Path());
+    const GivenRights given;
+    const ImportPatch large(
+        L"XMLParser.dll", "GetFileSecurityW",
+        +[](const wchar_t* path, SECURITY_INFORMATION wanted, void* descriptor, DWORD size, DWORD* needed) -> BOOL {
+            constexpr DWORD kNeeded = 60000;
+            if (size >= kNeeded)
+                return ::GetFileSecurityW(path, wanted, descriptor, size, needed);
+            *needed = kNeeded;
+            ::SetLastError(ERROR_INSUFFICIENT_BUFFER);
+            return FALSE;
         });
     EXPECT_TRUE(file.Add(L"a", L"1"));
-    EXPECT_TRUE(s_hasRights);
+    EXPECT_EQ(given.Bytes(), rights);
 }
 
 TEST(XMLTreeSave, FailsOnAReadOnlyFile)
@@ -160,35 +209,19 @@ TEST(XMLTreeSave, WaitsForAReaderThatLetsGo)
 {
     const TreeFile file("<r/>");
     const IXMLTreePtr tree = file.Tree();
-    static HANDLE s_reader;
-    s_reader = ::CreateFileW(file.Path().GetString(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                             OPEN_EXISTING, 0, nullptr);
-    ASSERT_NE(s_reader, INVALID_HANDLE_VALUE);
-    static int s_waits;
-    s_waits = 0;
-    const ImportPatch patch(
-        L"XMLParser.dll", "Sleep", +[](DWORD) {
-            if (++s_waits == 3)
-                ::CloseHandle(s_reader);
-        });
+    const HeldFile reader(file.Path().GetString(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, 3);
     EXPECT_TRUE(tree->SaveFile(file.Path()));
-    EXPECT_EQ(s_waits, 3);
+    EXPECT_EQ(reader.Now(), 3U);
 }
 
 TEST(XMLTreeSave, GivesUpAfterLessThanASecond)
 {
     const TreeFile file("<r/>");
     const IXMLTreePtr tree = file.Tree();
-    const FileHolder reader(file.Path().GetString(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE);
-    static ULONGLONG s_clock;
-    s_clock = 0;
-    const ImportPatch sleep(
-        L"XMLParser.dll", "Sleep", +[](DWORD milliseconds) { s_clock += milliseconds; });
-    const ImportPatch clock(
-        L"XMLParser.dll", "GetTickCount64", +[]() -> ULONGLONG { return s_clock; });
+    const HeldFile reader(file.Path().GetString(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                          HeldFile::kForEver);
     EXPECT_FALSE(tree->SaveFile(file.Path()));
-    EXPECT_GE(s_clock, 500U);
-    EXPECT_LT(s_clock, 1000U);
+    ExpectToHaveGivenUp();
 }
 
 TEST(XMLTreeSave, FailsOnAFullDisk)
@@ -285,6 +318,7 @@ TEST(XMLTreeSave, FlushesBeforeItReplaces)
     const ImportPatch move(
         L"XMLParser.dll", "MoveFileExW", +[](const wchar_t* from, const wchar_t* to, DWORD flags) -> BOOL {
             s_calls += "move ";
+            EXPECT_EQ(flags, DWORD{MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH});
             return ::MoveFileExW(from, to, flags);
         });
     EXPECT_TRUE(file.Add(L"a", L"1"));
@@ -379,17 +413,48 @@ TEST(XMLTreeSave, DoesNotNeedToFindLeftovers)
     EXPECT_EQ(test::HandleCount(), handles);
 }
 
+TEST(XMLTreeSave, WaitsForAnotherWriterThatLetsGo)
+{
+    const TreeFile file("<r/>");
+    const IXMLTreePtr tree = file.Tree();
+    const HeldFile writer((file.Folder() / L"file.xml") + TemporaryEnding(), GENERIC_WRITE, 0, 3, CREATE_NEW);
+    EXPECT_TRUE(tree->AddChild(L"new", L"1"));
+    EXPECT_TRUE(tree->SaveFile(file.Path()));
+    EXPECT_EQ(writer.Now(), 3U);
+    EXPECT_EQ(file.Bytes(), "<r><new>1</new></r>");
+    EXPECT_EQ(test::ListTree(file.Folder().Path()), std::vector<std::wstring>{L"file.xml"});
+}
+
 TEST(XMLTreeSave, WaitsForAnotherWriterAndGivesUp)
 {
     const TreeFile file("<r/>");
     const IXMLTreePtr tree = file.Tree();
     const std::wstring temporary = (file.Folder() / L"file.xml") + TemporaryEnding();
     {
-        const FileHolder writer(temporary, GENERIC_WRITE, 0, CREATE_NEW);
+        const HeldFile writer(temporary, GENERIC_WRITE, 0, HeldFile::kForEver, CREATE_NEW);
         EXPECT_FALSE(tree->SaveFile(file.Path()));
+        ExpectToHaveGivenUp();
         EXPECT_TRUE(test::Exists(temporary)) << "it is the other writer's";
     }
     EXPECT_TRUE(tree->SaveFile(file.Path()));
+}
+
+TEST(XMLTreeSave, SharesTheFileThatItWritesWithNobody)
+{
+    const TreeFile file("<r/>");
+    static std::wstring s_temporary;
+    s_temporary = (file.Folder() / L"file.xml") + TemporaryEnding();
+    static int s_writes;
+    s_writes = 0;
+    const ImportPatch write(
+        L"XMLParser.dll", "WriteFile",
+        +[](HANDLE handle, const void* bytes, DWORD size, DWORD* written, OVERLAPPED*) -> BOOL {
+            ++s_writes;
+            test::ExpectNobodyCanOpen(s_temporary);
+            return ::WriteFile(handle, bytes, size, written, nullptr);
+        });
+    EXPECT_TRUE(file.Add(L"a", L"1"));
+    EXPECT_EQ(s_writes, 1);
 }
 
 TEST(XMLTreeSave, ShowsReadersTheOldFileOrTheNewOne)
