@@ -74,9 +74,9 @@ TEST(CAutoCreateFolder, EmptyPathDoesNothing)
     {
         const CAutoCreateFolder scoped(L"");
         // It is given to the system as it is, which refuses it.
-        EXPECT_EQ(recorder.Calls(), std::vector<std::wstring>{L"create "});
+        EXPECT_EQ(test::FileCallRecorder::Calls(), std::vector<std::wstring>{L"create "});
     }
-    EXPECT_EQ(recorder.Calls().size(), 1U);
+    EXPECT_EQ(test::FileCallRecorder::Calls().size(), 1U);
     EXPECT_EQ(ListTree(folder / L"here"), (std::vector<std::wstring>{L"a", L"sub\\", L"sub\\b"}));
 }
 

@@ -151,7 +151,7 @@ TEST(XMLTreeSave, MakesTheFileWithTheOldOnesAccessRights)
     ASSERT_FALSE(rights.empty());
     const GivenRights given;
     EXPECT_TRUE(file.Add(L"a", L"1"));
-    EXPECT_EQ(given.Bytes(), rights);
+    EXPECT_EQ(GivenRights::Bytes(), rights);
 }
 
 TEST(XMLTreeSave, MakesTheFileWithAccessRightsOfAnySize)
@@ -170,7 +170,7 @@ TEST(XMLTreeSave, MakesTheFileWithAccessRightsOfAnySize)
             return FALSE;
         });
     EXPECT_TRUE(file.Add(L"a", L"1"));
-    EXPECT_EQ(given.Bytes(), rights);
+    EXPECT_EQ(GivenRights::Bytes(), rights);
 }
 
 TEST(XMLTreeSave, FailsOnAReadOnlyFile)
@@ -196,7 +196,7 @@ TEST(XMLTreeSave, FailsWhileAnotherHoldsTheFile)
     const IXMLTreePtr tree = file.Tree();
     EXPECT_TRUE(tree->AddChild(L"new", L"1"));
     {
-        const FileHolder holder(file.Path().GetString(), GENERIC_READ, 0);
+        const HeldFile holder(file.Path().GetString(), GENERIC_READ, 0, HeldFile::kForEver);
         EXPECT_FALSE(tree->SaveFile(file.Path()));
         EXPECT_EQ(test::ListTree(file.Folder().Path()), std::vector<std::wstring>{L"file.xml"});
     }
@@ -211,7 +211,7 @@ TEST(XMLTreeSave, WaitsForAReaderThatLetsGo)
     const IXMLTreePtr tree = file.Tree();
     const HeldFile reader(file.Path().GetString(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, 3);
     EXPECT_TRUE(tree->SaveFile(file.Path()));
-    EXPECT_EQ(reader.Now(), 3U);
+    EXPECT_EQ(HeldFile::Now(), 3U);
 }
 
 TEST(XMLTreeSave, GivesUpAfterLessThanASecond)
@@ -420,7 +420,7 @@ TEST(XMLTreeSave, WaitsForAnotherWriterThatLetsGo)
     const HeldFile writer((file.Folder() / L"file.xml") + TemporaryEnding(), GENERIC_WRITE, 0, 3, CREATE_NEW);
     EXPECT_TRUE(tree->AddChild(L"new", L"1"));
     EXPECT_TRUE(tree->SaveFile(file.Path()));
-    EXPECT_EQ(writer.Now(), 3U);
+    EXPECT_EQ(HeldFile::Now(), 3U);
     EXPECT_EQ(file.Bytes(), "<r><new>1</new></r>");
     EXPECT_EQ(test::ListTree(file.Folder().Path()), std::vector<std::wstring>{L"file.xml"});
 }
