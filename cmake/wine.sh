@@ -10,6 +10,8 @@
 # KELPKIT_CODE_PAGE  ANSI code page: 936 (default) or 1252. Each has a prefix of its own in build/wine.
 # KELPKIT_RESULTS    folder that receives GoogleTest's XML report of the run (optional). A program that ends without a
 #                    report has failed, whatever its exit code.
+# KELPKIT_COUNTS     folder that receives the lines that ran, of a build with the preset mingw-coverage (optional); one
+#                    folder within for each program and code page
 set -eu
 
 root=$(CDPATH='' cd -- "$(dirname -- "$0")/.." && pwd)
@@ -71,6 +73,11 @@ run() {
         rm -f "$report"
         GTEST_OUTPUT=xml:Z:$report
         export GTEST_OUTPUT
+    fi
+    # The path of the counts' file is one of Linux, and would be taken for one on the current drive.
+    if [ -n "${KELPKIT_COUNTS:-}" ]; then
+        GCOV_PREFIX=Z:$KELPKIT_COUNTS/$(basename -- "$program" .exe)-$code_page
+        export GCOV_PREFIX
     fi
     if [ -z "${DISPLAY:-}" ] && [ -s "$WINEPREFIX/display" ]; then
         DISPLAY=:$(cat "$WINEPREFIX/display")
