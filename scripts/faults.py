@@ -17,10 +17,14 @@ Config.set_library_file("/usr/lib/llvm-19/lib/libclang-19.so.1")
 class Fault:
     file: str  # relative to the root
     line: int
+    last_line: int
     start: int  # bytes of the file that are replaced
     end: int
     text: str
     kind: str
+
+    def apply(self, source):
+        return source[:self.start] + self.text.encode() + source[self.end:]
 
 
 TURNED = {
@@ -58,7 +62,8 @@ class Finder:
 
     def add(self, kind, start, end, text):
         line = self.bytes.count(b"\n", 0, start) + 1
-        self.faults.add(Fault(self.file, line, start, end, text, kind))
+        last_line = line + self.bytes.count(b"\n", start, end)
+        self.faults.add(Fault(self.file, line, last_line, start, end, text, kind))
 
     def replace(self, kind, cursor, text):
         self.add(kind, cursor.extent.start.offset, cursor.extent.end.offset, text)
