@@ -37,7 +37,7 @@ FAMILIES = {
     "text": (["src/text"], ["TextTests", "Base64CodecTests", "Utf8Tests"]),
     "time": (["src/time"], ["TimeTests", "InvalidDateTextTests"]),
     "xmlconfig": (["src/xmlconfig"], ["XmlConfigTests"]),
-    "xmlparser": (["xmlparser"], ["XmlParserTests", "XmlConfigTests"]),
+    "xmlparser": (["xmlparser"], ["XmlParserUnitTests", "XmlParserTests", "XmlConfigTests"]),
 }
 ALL_TESTS = sorted({test for _, tests in FAMILIES.values() for test in tests}
                    | {"FaultTests", "KilledWriterTests", "LibraryTests"})

@@ -80,6 +80,8 @@ void WriteStart(pugi::xml_node node, Output& output)
 {
     switch (node.type()) {
     case pugi::node_element:
+        if (!IsElement(node))
+            break;
         Put(output, '<', node.name());
         WriteAttributes(node, output);
         Put(output, node.first_child() ? ">" : "/>");
@@ -110,7 +112,8 @@ void WriteStart(pugi::xml_node node, Output& output)
 
 bool IsElement(pugi::xml_node node)
 {
-    return node.type() == pugi::node_element;
+    // One without a name was removed.
+    return node.type() == pugi::node_element && *node.name() != '\0';
 }
 
 bool IsWhiteSpace(pugi::xml_node node)
@@ -158,7 +161,12 @@ void Remove(pugi::xml_node node)
         while (leaf.first_child())
             leaf = leaf.first_child();
         pugi::xml_node parent = leaf.parent();
-        parent.remove_child(leaf);
+        if (!parent.remove_child(leaf)) {
+            // The parser's removal may need memory, which ran out; to empty a node needs none.
+            node.set_name("");
+            node.set_value("");
+            return;
+        }
         if (leaf == node)
             return;
         leaf = parent;
@@ -167,10 +175,10 @@ void Remove(pugi::xml_node node)
 
 void RemoveElement(pugi::xml_node element)
 {
-    pugi::xml_node parent = element.parent();
+    const pugi::xml_node parent = element.parent();
     const pugi::xml_node before = element.previous_sibling();
     if (IsIndentation(before) && (FirstElement(parent) != element || NextElement(element)))
-        parent.remove_child(before);
+        Remove(before);
     Remove(element);
 }
 
@@ -187,7 +195,7 @@ pugi::xml_node AppendElement(pugi::xml_node parent, const char* name, const char
     if (child.set_name(name) && (!needsLine || IsIndentation(line)) &&
         (*text == '\0' || child.append_child(pugi::node_pcdata).set_value(text)))
         return child;
-    parent.remove_child(line);
+    Remove(line);
     Remove(child);
     return {};
 }
@@ -197,7 +205,7 @@ void Write(const pugi::xml_document& document, std::string& text)
     Output output(text);
     for (pugi::xml_node node = document.first_child(); node; node = node.next_sibling()) {
         WriteStart(node, output);
-        while (node.first_child()) {
+        while (IsElement(node) && node.first_child()) {
             node = node.first_child();
             WriteStart(node, output);
         }

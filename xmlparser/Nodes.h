@@ -22,7 +22,8 @@ pugi::xml_node ElementNamed(std::string_view name, pugi::xml_node node);
 // One document element; beside it no text, and no declaration but at the start.
 bool IsDocument(const pugi::xml_document& document);
 
-// Removes a node with all that is in it.
+// Removes a node with all that is in it. Where memory runs out, the node stays behind empty: a text without characters
+// or an element without a name, which none of these functions treats as an element and Write leaves out.
 void Remove(pugi::xml_node node);
 
 // Removes an element, with its line where it stands on one of its own and others are left to take the indentation from.

@@ -69,7 +69,7 @@ bool XMLTree::LoadFile(const CString& path)
         Clear();
         return false;
     }
-    m_current = m_document.document_element();
+    m_current = FirstElement(m_document);
     return true;
 }
 
@@ -87,13 +87,12 @@ bool XMLTree::Parse(std::string file)
     const pugi::xml_node end = m_document.last_child();
     if (end.type() != pugi::node_comment || *end.value() != '\0')
         return false;
-    m_document.remove_child(end);
-    return IsDocument(m_document);
+    return m_document.remove_child(end) && IsDocument(m_document);
 }
 
 bool XMLTree::SaveFile(const CString& path)
 {
-    if (!m_document.document_element())
+    if (!FirstElement(m_document))
         return false;
     std::string text;
     text.reserve(m_text.size() + m_text.size() / 8);
@@ -166,7 +165,7 @@ bool XMLTree::GoToPath(const CString& path)
 {
     const std::string text = ToUtf8(View(path));
     std::vector<std::string_view> names = Names(text);
-    pugi::xml_node element = m_document.document_element();
+    pugi::xml_node element = FirstElement(m_document);
     if (!names.empty() && names.front() == element.name() && !ElementNamed(names.front(), element.first_child()))
         names.erase(names.begin());
     for (const std::string_view name : names)
