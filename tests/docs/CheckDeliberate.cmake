@@ -1,27 +1,11 @@
-# Each test that the ledger of deliberate behaviour names ran in this test run. One that was skipped since it needs another
-# code page counts, too: a machine has one only, but under Wine.
+# Each test that the ledger of deliberate behaviour names ran in this test run.
 #
 #     cmake -DLEDGER=docs/deliberate.md -DRESULTS=<folder of GoogleTest's XML reports> -P CheckDeliberate.cmake
 
 cmake_minimum_required(VERSION 3.25)
+include("${CMAKE_CURRENT_LIST_DIR}/../ReadReports.cmake")
 
-set(ran)
-file(GLOB reports "${RESULTS}/*.xml")
-foreach(report IN LISTS reports)
-  file(READ "${report}" text)
-  # These have a meaning in lists.
-  string(REGEX REPLACE "[][;]" " " text "${text}")
-  string(REGEX MATCHALL "<testcase [^>]*>|<skipped [^>]*>" elements "${text}")
-  foreach(element IN LISTS elements)
-    if(element MATCHES "^<testcase ")
-      # The names of tests with parameters carry those in parts of their own.
-      string(REGEX REPLACE ".*<testcase name=\"([^/\"]+).* classname=\"([^/\"]+/)?([^/\"]+).*" "\\3.\\1" test "${element}")
-    endif()
-    if(element MATCHES "result=\"completed\"|^<skipped .*needs ANSI code page")
-      list(APPEND ran "${test}")
-    endif()
-  endforeach()
-endforeach()
+read_test_reports("${RESULTS}" ran)
 
 set(named 0)
 file(STRINGS "${LEDGER}" rows REGEX "^\\| `" ENCODING UTF-8)

@@ -1,13 +1,16 @@
 # Every function of Windows that a DLL imports has a row in the committed list, which says in which tests it fails or
-# why in none; and those tests are there.
+# why in none; and in the last run of each of these tests, the DLL called a double in the function's place. A reason in
+# parentheses behind a test says by what the system itself makes the call fail there. That a double does fail is the
+# test's to expect.
 #
-#     cmake -DDLL=... -DLIST=... -DTESTS=<folder> [-DSTALE=ON] -P CheckCalls.cmake
+#     cmake -DDLL=... -DLIST=... -DRESULTS=<folder of reports> [-DSTALE=ON] -P CheckCalls.cmake
 #
 # One list serves mingw's ABI and Visual Studio's. With -DSTALE=ON, for the ABI with which a DLL calls all that the
 # project itself ever calls, rows without a call fail; those of the toolchains may stay.
 
 cmake_minimum_required(VERSION 3.25)
 include("${CMAKE_CURRENT_LIST_DIR}/ReadPe.cmake")
+include("${CMAKE_CURRENT_LIST_DIR}/../ReadReports.cmake")
 
 # The runtimes and libraries whose functions are no calls of the system.
 set(others msvcrt "ucrtbased?" "api-ms-win-crt-.*" "lib[a-z0-9_+-]+" "msvcp140.*" "vcruntime140.*" "concrt140d?"
@@ -45,16 +48,27 @@ if(count LESS 20)
   message(FATAL_ERROR "Only ${count} imports were found in ${DLL}")
 endif()
 
-file(GLOB_RECURSE sources "${TESTS}/*Test.cpp")
-set(tests)
-foreach(source IN LISTS sources)
-  file(STRINGS "${source}" lines REGEX "^TEST(_F|_P)?\\(")
-  foreach(line IN LISTS lines)
-    if(line MATCHES "^TEST[_FP]*\\(([A-Za-z0-9_]+), ([A-Za-z0-9_]+)\\)")
-      list(APPEND tests "${CMAKE_MATCH_1}.${CMAKE_MATCH_2}")
-    endif()
-  endforeach()
+read_test_reports("${RESULTS}" ran)
+cmake_path(GET DLL FILENAME name)
+set(faked)
+file(GLOB notes "${RESULTS}/*.calls")
+foreach(note IN LISTS notes)
+  file(STRINGS "${note}" lines REGEX "^${name} ")
+  list(APPEND faked ${lines})
 endforeach()
+
+# check_test(FUNCTION TEST REASON): the function fails in the test, for the reason that the list gives, if any.
+function(check_test function test reason)
+  if(NOT test IN_LIST ran)
+    message(SEND_ERROR "${LIST}: ${test} did not run")
+  elseif("${name} ${function} ${test}" IN_LIST faked)
+    if(reason)
+      message(SEND_ERROR "${LIST}: ${test} has a double of ${function}, so the reason ${reason} is not needed")
+    endif()
+  elseif(NOT reason)
+    message(SEND_ERROR "${LIST}: ${test} has no double of ${function} that is called")
+  endif()
+endfunction()
 
 set(listed)
 file(STRINGS "${LIST}" rows REGEX "^[A-Za-z_]")
@@ -65,18 +79,22 @@ foreach(row IN LISTS rows)
   endif()
   set(function "${CMAKE_MATCH_1}")
   list(APPEND listed "${function}")
-  string(REPLACE " " ";" named "${CMAKE_MATCH_2}")
+  set(rest "${CMAKE_MATCH_2}")
   if(STALE AND NOT function IN_LIST imports AND NOT row MATCHES " - \\(")
     message(SEND_ERROR "${LIST}: ${DLL} does not call ${function}")
   endif()
-  if("-" IN_LIST named)
+  if(rest MATCHES "^- ." OR NOT function IN_LIST imports)
     continue()
   endif()
-  foreach(test IN LISTS named)
-    if(NOT test IN_LIST tests)
-      message(SEND_ERROR "${LIST}: there is no test ${test}")
-    endif()
-  endforeach()
+  while(rest MATCHES "^([A-Za-z0-9_]+\\.[A-Za-z0-9_]+)( \\([^)]+\\))? *(.*)$")
+    set(test "${CMAKE_MATCH_1}")
+    set(reason "${CMAKE_MATCH_2}")
+    set(rest "${CMAKE_MATCH_3}")
+    check_test(${function} ${test} "${reason}")
+  endwhile()
+  if(rest)
+    message(SEND_ERROR "${LIST}: ${rest} is no test, behind ${function}")
+  endif()
 endforeach()
 
 foreach(function IN LISTS imports)

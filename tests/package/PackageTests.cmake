@@ -159,10 +159,11 @@ add_dependencies(update-exports ${exports_dlls})
 foreach(dll Kelpkit XMLParser)
   # Visual Studio's ABI needs fewer calls of the project's own.
   add_test(NAME package.calls.${dll}
-    COMMAND "${CMAKE_COMMAND}" "-DDLL=$<TARGET_FILE:${dll}>" "-DTESTS=${CMAKE_CURRENT_SOURCE_DIR}"
+    COMMAND "${CMAKE_COMMAND}" "-DDLL=$<TARGET_FILE:${dll}>" "-DRESULTS=${KELPKIT_TEST_RESULTS}"
       "-DLIST=${CMAKE_CURRENT_SOURCE_DIR}/package/${dll}.calls.txt" "-DSTALE=$<BOOL:${MINGW}>"
       -P "${CMAKE_CURRENT_SOURCE_DIR}/package/CheckCalls.cmake"
   )
+  set_tests_properties(package.calls.${dll} PROPERTIES DEPENDS "${KELPKIT_TEST_RUNS}")
 endforeach()
 
 add_test(NAME package.imports

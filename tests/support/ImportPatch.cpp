@@ -1,5 +1,7 @@
 #include "support/ImportPatch.h"
 
+#include "support/FakedCalls.h"
+
 #include <windows.h>
 
 #include <delayimp.h>
@@ -7,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <new>
 #include <stdexcept>
 #include <string>
 
@@ -92,6 +95,42 @@ void Resolve(HMODULE module, void** slot, const char* dll, const char* name)
 
 } // namespace
 
+// Code that counts a call and goes on to the double, in memory of its own. It touches neither arguments nor stack, so
+// that it suits a function of any type, and no debugger or unwinder sees it.
+struct ImportPatch::CountingCall {
+    static CountingCall* New(void* function)
+    {
+        void* const memory =
+            ::VirtualAlloc(nullptr, sizeof(CountingCall), MEM_COMMIT | MEM_RESERVE, PAGE_EXECUTE_READWRITE);
+        if (memory == nullptr)
+            throw std::bad_alloc();
+        return new (memory) CountingCall{function};
+    }
+
+    void* function;
+    volatile std::int64_t count = 0;
+    // Processors are slow where data is written close to the code that they run.
+    std::byte gap[2032] = {};
+    // lock inc qword ptr [rip - 2048]
+    // jmp qword ptr [rip - 2062]
+    std::uint8_t code[14] = {0xF0, 0x48, 0xFF, 0x05, 0x00, 0xF8, 0xFF, 0xFF, 0xFF, 0x25, 0xF2, 0xF7, 0xFF, 0xFF};
+};
+
+ImportPatch::ImportPatch(const wchar_t* module, const char* name, void* replacement)
+    : m_module(module), m_name(name), m_slot(FindSlot(module, name)), m_original(*m_slot),
+      m_call(CountingCall::New(replacement))
+{
+    Write(m_slot, m_call->code);
+}
+
+ImportPatch::~ImportPatch()
+{
+    Write(m_slot, m_original);
+    if (m_call->count > 0 && m_module != nullptr)
+        NoteFakedCall(m_module, m_name);
+    ::VirtualFree(m_call, 0, MEM_RELEASE);
+}
+
 void** ImportPatch::FindSlot(const wchar_t* moduleName, const char* name)
 {
     const HMODULE module = ::GetModuleHandleW(moduleName);
@@ -110,11 +149,6 @@ void** ImportPatch::FindSlot(const wchar_t* moduleName, const char* name)
         }
     }
     throw std::runtime_error(std::string("the module does not import ") + name);
-}
-
-void ImportPatch::Store(void* function)
-{
-    Write(m_slot, function);
 }
 
 } // namespace test

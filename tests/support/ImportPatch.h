@@ -6,12 +6,13 @@ namespace test
 {
 
 // Replaces a function that a loaded DLL imports, at once or late, by a double, for that DLL only and until the object
-// ends. That is how system answers are had that this machine does not give. Throws std::runtime_error where the DLL is not loaded or does
-// not import the function.
+// ends. That is how system answers are had that this machine does not give. Throws std::runtime_error where the DLL is
+// not loaded or does not import the function. Doubles that the DLL called are noted at the end; see FakedCalls.h.
 //
 //     const ImportPatch patch("GetVersionExW", +[](OSVERSIONINFOW* version) -> BOOL { ... });
 //
-// The double must have the type of the function. Patches of the same function end in the reverse order of their making.
+// The double must have the type of the function, and the names must live as long as the patch. Patches of the same
+// function end in the reverse order of their making.
 class ImportPatch
 {
 public:
@@ -22,14 +23,13 @@ public:
 
     template <class Function>
     ImportPatch(const wchar_t* module, const char* name, Function* replacement)
-        : m_slot(FindSlot(module, name)), m_original(*m_slot)
+        : ImportPatch(module, name, reinterpret_cast<void*>(replacement))
     {
-        Store(reinterpret_cast<void*>(replacement));
     }
 
     ImportPatch(const ImportPatch&) = delete;
     ImportPatch& operator=(const ImportPatch&) = delete;
-    ~ImportPatch() { Store(m_original); }
+    ~ImportPatch();
 
     // What was called before.
     template <class Function>
@@ -39,11 +39,16 @@ public:
     }
 
 private:
-    static void** FindSlot(const wchar_t* module, const char* name);
-    void Store(void* function);
+    struct CountingCall;
 
+    ImportPatch(const wchar_t* module, const char* name, void* replacement);
+    static void** FindSlot(const wchar_t* module, const char* name);
+
+    const wchar_t* m_module;
+    const char* m_name;
     void** m_slot;
     void* m_original;
+    CountingCall* m_call;
 };
 
 } // namespace test

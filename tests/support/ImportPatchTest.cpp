@@ -66,7 +66,9 @@ TEST(ImportPatch, NestsInTheOrderOfTheScopes)
     {
         const ImportPatch inner("GetTempPathW", &OtherTempPath);
         EXPECT_EQ(KELPKIT::GetTempPathW(), L"R:\\");
-        EXPECT_EQ(inner.Original<DWORD WINAPI(DWORD, wchar_t*)>(), &ShortTempPath);
+        wchar_t path[MAX_PATH + 1] = {};
+        inner.Original<DWORD WINAPI(DWORD, wchar_t*)>()(MAX_PATH, path);
+        EXPECT_STREQ(path, L"Q:\\");
     }
     EXPECT_EQ(KELPKIT::GetTempPathW(), L"Q:\\");
 }
@@ -98,7 +100,9 @@ TEST(ImportPatch, ReplacesAFunctionThatIsImportedAtItsFirstCall)
         {
             const ImportPatch inner("VarUdateFromDate", &FailingBreakDown);
             EXPECT_EQ(text(), L"Invalid DateTime");
-            EXPECT_EQ(inner.Original<decltype(FirstOfJuly2000)>(), &FirstOfJuly2000);
+            UDATE parts = {};
+            EXPECT_EQ(inner.Original<decltype(FirstOfJuly2000)>()(45356, 0, &parts), S_OK);
+            EXPECT_EQ(parts.st.wYear, 2000);
         }
         EXPECT_EQ(text(), L"2000-07-01");
         UDATE parts = {};

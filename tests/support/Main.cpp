@@ -1,4 +1,5 @@
 #include "support/DeletionGuard.h"
+#include "support/FakedCalls.h"
 #include "support/TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -6,6 +7,7 @@
 #include <windows.h>
 
 #include <memory>
+#include <string>
 
 namespace
 {
@@ -28,11 +30,26 @@ private:
     std::unique_ptr<test::DeletionGuard> m_guard;
 };
 
+// Says which test is running, without what tests with parameters have in their names.
+class RunningTest : public testing::EmptyTestEventListener
+{
+    void OnTestStart(const testing::TestInfo& test) override
+    {
+        const std::string suite = test.test_suite_name();
+        const std::string name = test.name();
+        test::SetRunningTest((suite.substr(suite.find('/') + 1) + "." + name.substr(0, name.find('/'))).c_str());
+    }
+
+    void OnTestEnd(const testing::TestInfo& /*unused*/) override { test::SetRunningTest(nullptr); }
+};
+
 } // namespace
 
 int main(int argc, char** argv)
 {
     testing::InitGoogleTest(&argc, argv);
     testing::AddGlobalTestEnvironment(new SafeGround);
+    testing::UnitTest::GetInstance()->listeners().Append(new RunningTest);
+    test::ForgetFakedCalls();
     return RUN_ALL_TESTS();
 }

@@ -1,5 +1,7 @@
 #include <Kelpkit/XMLParser.h>
 
+#include "support/FailingCall.h"
+#include "support/OwnProcess.h"
 #include "xmlparser/TreeFile.h"
 
 #include <gtest/gtest.h>
@@ -266,6 +268,16 @@ TEST(XMLTreeEncoding, Gb18030IsNotMistakenForGbk)
     // The euro sign, whose place is a user's own in GBK.
     const TreeFile file(Declared("GB18030", "<r>\xA2\xE3</r>"));
     EXPECT_EQ(file.Loads(), ::IsValidCodePage(54936) != FALSE);
+}
+
+TEST(XMLTreeEncoding, Gb18030IsReadAsGbkWhereWindowsLacksIt)
+{
+    // A process asks once.
+    test::InOwnProcess([] {
+        const test::FailingCall<decltype(::IsValidCodePage)> failing(L"XMLParser.dll", "IsValidCodePage", FALSE);
+        EXPECT_EQ(TreeFile(Declared("GB18030", "<r>\xD6\xD0</r>")).Text(L""), L"中");
+        EXPECT_FALSE(TreeFile(Declared("GB18030", "<r>\xA2\xE3</r>")).Loads()) << "the euro sign, of GB 18030 only";
+    });
 }
 
 TEST(XMLTreeEncoding, Gb18030HoldsEverythingWhereWindowsHasIt)

@@ -1,0 +1,27 @@
+# read_test_reports(RESULTS VARIABLE): the tests that ran, as "Suite.Test", by GoogleTest's XML reports in the folder. A
+# test that was skipped since it needs another code page counts, too: a machine has one only, but under Wine.
+function(read_test_reports results variable)
+  set(ran)
+  file(GLOB reports "${results}/*.xml")
+  if(NOT reports)
+    message(FATAL_ERROR "There is no report of a test program in ${results}: run the tests first")
+  endif()
+  foreach(report IN LISTS reports)
+    file(READ "${report}" text)
+    # These have a meaning in lists.
+    string(REGEX REPLACE "[][;]" " " text "${text}")
+    string(REGEX MATCHALL "<testcase [^>]*>|<skipped [^>]*>" elements "${text}")
+    foreach(element IN LISTS elements)
+      if(element MATCHES "^<testcase ")
+        # The names of tests with parameters carry those in parts of their own.
+        set(names ".*<testcase name=\"([^/\"]+).* classname=\"([^/\"]+/)?([^/\"]+).*")
+        string(REGEX REPLACE "${names}" "\\3.\\1" test "${element}")
+      endif()
+      if(element MATCHES "result=\"completed\"|^<skipped .*needs ANSI code page")
+        list(APPEND ran "${test}")
+      endif()
+    endforeach()
+  endforeach()
+  list(REMOVE_DUPLICATES ran)
+  set(${variable} "${ran}" PARENT_SCOPE)
+endfunction()
