@@ -14,6 +14,8 @@
 using namespace KELPKIT;
 using test::Boxes;
 using test::ChildWindow;
+using test::Handles;
+using test::HandlesOf;
 using test::HostWindow;
 using test::ImportPatch;
 using test::Pauses;
@@ -46,17 +48,39 @@ std::wstring EventName()
     return L"kelpkit-" + std::to_wstring(::GetCurrentProcessId());
 }
 
-// The window of a process that has no owner.
-HWND MainWindowOf(DWORD processId)
+// The window of a process that has so many owners, one above the other.
+HWND WindowOf(DWORD processId, int owners)
 {
     HWND window = nullptr;
     while ((window = ::FindWindowExW(nullptr, window, L"KelpkitTestChild", nullptr)) != nullptr) {
-        DWORD owner = 0;
-        ::GetWindowThreadProcessId(window, &owner);
-        if (owner == processId && ::GetWindow(window, GW_OWNER) == nullptr)
+        DWORD process = 0;
+        ::GetWindowThreadProcessId(window, &process);
+        int above = 0;
+        for (HWND owner = window; (owner = ::GetWindow(owner, GW_OWNER)) != nullptr;)
+            ++above;
+        if (process == processId && above == owners)
             return window;
     }
     return nullptr;
+}
+
+HWND MainWindowOf(DWORD processId)
+{
+    return WindowOf(processId, 0);
+}
+
+// Looks once for a window of the process, as the object does by itself. The operation is private, but exported.
+HWND LookForAWindow(ChildExe& child, DWORD processId)
+{
+#if defined(_MSC_VER)
+    constexpr char kName[] = "?GetWndHandleByPID@ChildExe@KELPKIT@@AEAAPEAUHWND__@@K@Z";
+#else
+    constexpr char kName[] = "_ZN7KELPKIT8ChildExe17GetWndHandleByPIDEm";
+#endif
+    // A member function is called as a function whose first argument is the object.
+    using Operation = HWND (*)(ChildExe*, DWORD);
+    const FARPROC operation = ::GetProcAddress(::GetModuleHandleW(L"Kelpkit.dll"), kName);
+    return reinterpret_cast<Operation>(reinterpret_cast<void*>(operation))(&child, processId);
 }
 
 class ChildExeStart : public testing::Test
@@ -173,6 +197,33 @@ TEST_F(ChildExeStart, FindsTheOwnerOfAWindow)
     EXPECT_EQ(MainWindowOf(StartedPrograms::Last().process.dwProcessId), nullptr) << "it is in the host now";
 }
 
+TEST_F(ChildExeStart, FindsTheOwnerOfTheOwnerOfAWindow)
+{
+    const ImportPatch patch(
+        "EnumWindows", +[](WNDENUMPROC procedure, LPARAM parameter) -> BOOL {
+            const HWND window = WindowOf(StartedPrograms::Last().process.dwProcessId, 2);
+            EXPECT_NE(window, nullptr);
+            return procedure(window, parameter);
+        });
+    const Pauses pauses;
+    ASSERT_TRUE(Create(ChildWindow(L"--owned")));
+    EXPECT_EQ(HandlesOf(child).child, MainWindowOf(StartedPrograms::Last().process.dwProcessId));
+}
+
+TEST_F(ChildExeStart, LookingForAWindowChangesNoHandle)
+{
+    constexpr DWORD kNoProcess = 0xFFFFFFFF;
+    const Pauses pauses;
+    ASSERT_TRUE(Create(ChildWindow()));
+    const DWORD processId = StartedPrograms::Last().process.dwProcessId;
+    const Handles before = HandlesOf(child);
+    EXPECT_EQ(LookForAWindow(child, kNoProcess), nullptr);
+    EXPECT_EQ(HandlesOf(child), before);
+    ChildExe other;
+    EXPECT_EQ(LookForAWindow(other, processId), before.child);
+    EXPECT_EQ(HandlesOf(other), Handles{});
+}
+
 TEST_F(ChildExeStart, TakesTheFirstWindowOfTheProcess)
 {
     struct Record {
@@ -223,16 +274,28 @@ TEST_F(ChildExeStart, ProgramsThatCannotBeStartedFail)
     EXPECT_TRUE(Boxes::All().empty());
 }
 
+// Systems differ in what the wait returns for a program that ends during it.
 TEST_F(ChildExeStart, ProgramsThatEndAtOnceFail)
 {
     const Pauses pauses;
+    const Searches searches;
     const Boxes boxes({IDNO});
+    static DWORD result;
+    const ImportPatch wait(
+        "WaitForInputIdle", +[](HANDLE process, DWORD milliseconds) -> DWORD {
+            result = ::WaitForInputIdle(process, milliseconds);
+            return result;
+        });
     EXPECT_FALSE(Create(ChildWindow(L"--end")));
-    EXPECT_EQ(child.HasSubWindow(), 0);
+    ASSERT_EQ(StartedPrograms::All().size(), 1U);
+    EXPECT_TRUE(StartedPrograms::HasEnded(StartedPrograms::Last()));
+    const bool counted = result == 0;
+    EXPECT_EQ(Searches::Count(), counted ? 81 : 0) << result;
+    EXPECT_EQ(Boxes::All().size(), counted ? 1U : 0U) << result;
+    EXPECT_EQ(HandlesOf(child), (Handles{host.Handle(), nullptr, nullptr}));
     EXPECT_FALSE(child.CloseSubWindow());
 }
 
-// Systems differ in what the wait returns for a program that ends during it.
 TEST_F(ChildExeStart, EndedProgramFailsAtOnceWhereTheWaitFails)
 {
     const Pauses pauses;

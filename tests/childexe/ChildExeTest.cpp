@@ -16,6 +16,8 @@
 
 using namespace KELPKIT;
 using test::ChildWindow;
+using test::Handles;
+using test::HandlesOf;
 using test::HostWindow;
 using test::ImportPatch;
 using test::Pauses;
@@ -175,6 +177,13 @@ public:
 };
 
 // NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): as its base
+class StubbornChild : public ChildExe
+{
+public:
+    bool CloseSubWindow() override { return false; }
+};
+
+// NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): as its base
 class RecordingChild : public ChildExe
 {
 public:
@@ -210,6 +219,19 @@ TEST_F(ChildExeTest, HostsNothingAfterConstruction)
     EXPECT_EQ(child.MoveSubWindow(kPlace), 0);
     child.UpdateSubWindow();
     EXPECT_TRUE(Posts::All().empty());
+}
+
+TEST_F(ChildExeTest, HoldsHostWindowAndSignInThisOrder)
+{
+    ChildExe child;
+    EXPECT_EQ(HandlesOf(child), Handles{});
+    ASSERT_TRUE(Create(child));
+    const HWND window = LastWindow();
+    EXPECT_EQ(HandlesOf(child), (Handles{HostHandle(), window, StartedPrograms::Last().process.hProcess}));
+    ASSERT_TRUE(child.AddSubWindow(kPlace));
+    EXPECT_EQ(HandlesOf(child), (Handles{HostHandle(), window, window})) << "the window takes the process's place";
+    ASSERT_TRUE(child.CloseSubWindow());
+    EXPECT_EQ(HandlesOf(child), Handles{});
 }
 
 TEST_F(ChildExeTest, CreateFindsTheWindowAndLeavesItAsItIs)
@@ -272,7 +294,7 @@ TEST_F(ChildExeTest, AddStopsAtTheStepThatFails)
         }
         const bool adopted = c.calls > 1;
         EXPECT_EQ(::GetAncestor(window, GA_PARENT), adopted ? HostHandle() : ::GetDesktopWindow());
-        EXPECT_NE(child.HasSubWindow(), 0) << "the handles stay";
+        EXPECT_EQ(HandlesOf(child), (Handles{HostHandle(), window, window}));
         EXPECT_TRUE(child.CloseSubWindow());
         EXPECT_TRUE(WaitUntilGone(window));
     }
@@ -373,11 +395,26 @@ TEST_F(ChildExeTest, DestructorPostsNothingWhereNothingIsHosted)
 {
     const Posts posts;
     {
+        const ChildExe never;
         ChildExe child;
         ASSERT_TRUE(Create(child));
         child.CloseSubWindow();
     }
     EXPECT_EQ(Posts::All().size(), 1U);
+}
+
+TEST_F(ChildExeTest, DestructorClosesByItselfWhateverADerivedClassMakesOfClosing)
+{
+    const Posts posts;
+    HWND window = nullptr;
+    {
+        StubbornChild child;
+        ASSERT_TRUE(Create(child));
+        window = LastWindow();
+        EXPECT_FALSE(child.CloseSubWindow());
+        EXPECT_TRUE(Posts::All().empty());
+    }
+    EXPECT_EQ(Posts::All(), (std::vector<Posts::Post>{{window, WM_CLOSE, 0, 0}}));
 }
 
 TEST_F(ChildExeTest, NullHostStartsNothingButClosesWhatWasHosted)
@@ -473,6 +510,7 @@ TEST_F(ChildExeTest, CopiesStandForTheSameWindow)
         ASSERT_TRUE(Create(child, L"--refuse"));
         window = LastWindow();
         ChildExe copy(child);
+        EXPECT_EQ(HandlesOf(copy), HandlesOf(child));
         EXPECT_NE(copy.HasSubWindow(), 0);
         EXPECT_TRUE(copy.AddSubWindow(kPlace)) << "the host is copied, too";
         EXPECT_TRUE(copy.CloseSubWindow());
@@ -493,6 +531,7 @@ TEST_F(ChildExeTest, AssignmentClosesNothing)
     const HWND window = LastWindow();
     const Posts posts;
     child = other;
+    EXPECT_EQ(HandlesOf(child), HandlesOf(other));
     EXPECT_TRUE(Posts::All().empty());
     EXPECT_TRUE(child.CloseSubWindow());
     EXPECT_EQ(Posts::All(), (std::vector<Posts::Post>{{window, WM_CLOSE, 0, 0}}));

@@ -1,12 +1,13 @@
 #pragma once
 
-#include <Kelpkit/Mfc.h> // first: MFC stands no windows.h before it
+#include <Kelpkit/ChildExe.h> // first: MFC stands no windows.h before it
 
 #include "support/ImportPatch.h"
 #include "support/Process.h"
 
 #include <windows.h>
 
+#include <cstring>
 #include <functional>
 #include <string>
 #include <vector>
@@ -18,6 +19,27 @@ namespace test
 inline std::wstring ChildWindow(const std::wstring& arguments = L"")
 {
     return L"\"" + BesideThisProgram(L"ChildWindow.exe") + L"\" " + arguments;
+}
+
+// The members of a ChildExe, in their order.
+struct Handles {
+    HWND host;
+    HWND child;
+    HANDLE hosting;
+
+    bool operator==(const Handles& other) const
+    {
+        return host == other.host && child == other.child && hosting == other.hosting;
+    }
+};
+
+// They are private, and follow the virtual table's address.
+inline Handles HandlesOf(const KELPKIT::ChildExe& object)
+{
+    static_assert(sizeof(KELPKIT::ChildExe) == sizeof(void*) + sizeof(Handles));
+    Handles handles{};
+    std::memcpy(&handles, reinterpret_cast<const char*>(&object) + sizeof(void*), sizeof handles);
+    return handles;
 }
 
 // Each of these replaces calls of Kelpkit's while it lives, and notes them. One at a time of each.

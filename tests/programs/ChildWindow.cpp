@@ -3,7 +3,8 @@
 //     ChildWindow.exe [ANYTHING]
 //     ChildWindow.exe --late EVENT            is idle without a window until the event is set; sets EVENT.shown then
 //     ChildWindow.exe --launch EVENT PROGRAM  is idle until the event is set; starts PROGRAM then, and ends
-//     ChildWindow.exe --owned                 has a second window, which the first one owns
+//     ChildWindow.exe --owned                 has a second window, which the first one owns, and a third, which the second
+//                                             one owns
 //     ChildWindow.exe --refuse                does not close when it is asked to; its title says "refused" then
 //     ChildWindow.exe --end                   ends at once
 
@@ -102,7 +103,7 @@ int WINAPI wWinMain(HINSTANCE /*instance*/, HINSTANCE /*previous*/, LPWSTR /*com
     ::RegisterClassW(&description);
     const HWND window = MakeWindow(nullptr);
     if (way == L"--owned")
-        MakeWindow(window);
+        MakeWindow(MakeWindow(window));
     ::ShowWindow(window, nShowCmd);
     if (way == L"--late") {
         const Handle shown(::OpenEventW(EVENT_MODIFY_STATE, FALSE, (arguments[1] + L".shown").c_str()));
