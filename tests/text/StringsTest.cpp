@@ -1,4 +1,5 @@
 #include "support/CodePage.h"
+#include "support/PageTouches.h"
 #include "text/StringsModel.h"
 
 #include <Kelpkit/Text.h>
@@ -6,12 +7,14 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstddef>
 #include <cwchar>
 #include <random>
 #include <string>
 #include <vector>
 
 using namespace KELPKIT;
+using test::PageTouches;
 using test::SlowlyReplaced;
 using test::SlowlySplitBySize;
 using test::UnderCodePage1252;
@@ -201,6 +204,19 @@ TEST(StringReplace, HandlesAMillionHits)
     EXPECT_EQ(Replaced<std::wstring>(text, L"a", L"bcd").size(), 3000000U);
     EXPECT_EQ(Replaced<std::wstring>(text, L"aa", L"b"), std::wstring(500000, L'b'));
     EXPECT_EQ(Replaced<std::wstring>(text, L"a", L"b"), std::wstring(1000000, L'b'));
+}
+
+TEST(StringReplace, DoesWorkInProportionToTheText)
+{
+    constexpr std::size_t kSize = 100000;
+    for (const wchar_t* const replacement : {L"", L"b", L"bcd"}) {
+        const PageTouches touches;
+        std::wstring text(kSize, L'a');
+        StringReplace(text, L"a", replacement);
+        EXPECT_EQ(text.size(), kSize * std::wcslen(replacement));
+        const std::size_t pages = (kSize + text.size()) * sizeof(wchar_t) / 4096;
+        EXPECT_LE(PageTouches::Count(), 10 * pages) << testing::PrintToString(std::wstring(replacement));
+    }
 }
 
 TEST(StringMulitSplit, TakesEachDelimiterAndNoEmptyPiece)

@@ -1,4 +1,5 @@
 #include "support/CodePage.h"
+#include "support/PageTouches.h"
 #include "support/Random.h"
 #include "text/VersionModel.h"
 
@@ -7,11 +8,13 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstddef>
 #include <limits>
 #include <string>
 
 using namespace KELPKIT;
 using test::ModelVersionOrder;
+using test::PageTouches;
 using test::UnderCodePage936;
 
 namespace
@@ -145,14 +148,42 @@ TEST(ALargeB, IsAConsistentOrder)
     }
 }
 
-TEST(ALargeB, TakesTimeInProportionToTheText)
+namespace
 {
-    std::wstring a;
-    for (int i = 0; i < 300000; ++i)
-        a += L"12.";
-    EXPECT_EQ(ALargeB(a, a), 0);
-    EXPECT_EQ(ALargeB(a + L"1", a), 1);
-    EXPECT_EQ(ALargeB(std::wstring(1000000, L'9'), std::wstring(1000001, L'9')), 0);
+
+std::wstring Repeated(const std::wstring& pattern, std::size_t times)
+{
+    std::wstring text;
+    while (times-- > 0)
+        text += pattern;
+    return text;
+}
+
+// Each page of what the comparison reads and writes is touched a few times only, however many runs there are.
+void ExpectLittleWork(const std::wstring& a, const std::wstring& b, int result)
+{
+    const PageTouches touches;
+    EXPECT_EQ(ALargeB(a, b), result);
+    const std::size_t pages = (a.size() + b.size()) * sizeof(wchar_t) / 4096;
+    EXPECT_GE(PageTouches::Count(), pages);
+    EXPECT_LE(PageTouches::Count(), 10 * pages) << testing::PrintToString(a.substr(0, 20));
+}
+
+} // namespace
+
+TEST(ALargeB, DoesWorkInProportionToTheText)
+{
+    constexpr std::size_t kMany = 30000;
+    const std::wstring same = Repeated(L"12.", kMany);
+    ExpectLittleWork(same, same, 0);
+    ExpectLittleWork(same + L"1", same, 1);
+    // Equal, too, but not by their characters.
+    ExpectLittleWork(Repeated(L"01.", kMany), Repeated(L"1.", kMany), 0);
+    ExpectLittleWork(Repeated(L"版01.", kMany), Repeated(L"版1.", kMany), 0);
+    // Of a single run.
+    ExpectLittleWork(std::wstring(kMany, L'9'), std::wstring(kMany + 1, L'9'), 0);
+    ExpectLittleWork(std::wstring(kMany, L'0') + L'1', std::wstring(kMany, L'0') + L'2', -1);
+    ExpectLittleWork(std::wstring(kMany, L'版'), std::wstring(kMany, L'版') + L'a', -1);
 }
 
 TEST(IsDoubleZero, IsTrueUpToAMillionthOnBothSides)
