@@ -2,64 +2,80 @@
 
 #include "support/Random.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 namespace test
 {
 
-inline const std::string kBase64Alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+// RFC 4648, section 4, in its words: groups of 24 bits from left to right, each as four 6-bit numbers. To compare with.
 
-// The codec bit by bit, to compare with.
+// Table 1: the numbers and their characters.
+inline char Base64Character(unsigned number)
+{
+    if (number < 26)
+        return static_cast<char>('A' + number);
+    if (number < 52)
+        return static_cast<char>('a' + number - 26);
+    if (number < 62)
+        return static_cast<char>('0' + number - 52);
+    return number == 62 ? '+' : '/';
+}
+
+// A character without a number counts as the first one.
+inline unsigned Base64Number(char character)
+{
+    if (character >= 'A' && character <= 'Z')
+        return static_cast<unsigned>(character - 'A');
+    if (character >= 'a' && character <= 'z')
+        return static_cast<unsigned>(character - 'a') + 26;
+    if (character >= '0' && character <= '9')
+        return static_cast<unsigned>(character - '0') + 52;
+    return character == '+' ? 62 : character == '/' ? 63 : 0;
+}
+
+// A last group of 8 or 16 bits gets zero bits up to a multiple of 6, and "=" for the characters that it lacks.
 inline std::string ModelEncode(const std::string& data)
 {
     std::string text;
-    unsigned bits = 0;
-    int count = 0;
-    for (const char c : data) {
-        bits = bits << 8 | static_cast<unsigned char>(c);
-        count += 8;
-        while (count > 5) {
-            text += kBase64Alphabet[bits >> (count - 6) & 63];
-            count -= 6;
-        }
+    for (std::size_t i = 0; i < data.size(); i += 3) {
+        const std::string group = data.substr(i, 3);
+        unsigned bits = 0;
+        for (const char c : group + std::string(3 - group.size(), '\0'))
+            bits = bits * 256 + static_cast<unsigned char>(c);
+        const std::string characters = {Base64Character(bits / 64 / 64 / 64), Base64Character(bits / 64 / 64 % 64),
+                                        Base64Character(bits / 64 % 64), Base64Character(bits % 64)};
+        text += characters.substr(0, group.size() + 1) + std::string(3 - group.size(), '=');
     }
-    if (count > 0)
-        text += kBase64Alphabet[bits << (6 - count) & 63];
-    while (text.size() % 4 != 0)
-        text += '=';
     return text;
 }
 
-inline unsigned ModelBase64Value(char c)
-{
-    const std::size_t place = kBase64Alphabet.find(c);
-    return place == std::string::npos ? 0 : static_cast<unsigned>(place);
-}
-
+// Two characters before "=" have the bits of one byte, three those of two, four those of three. A group counts for four
+// characters of the text whatever its "=" leaves to the next one, and the end of the text lacks nothing but "A".
 inline std::string ModelDecode(const std::string& text)
 {
-    const std::string padded = text + std::string(4, '\0');
     std::string data;
-    std::size_t position = 0;
-    std::size_t i = 0;
-    while (i < text.size()) {
-        const char c = padded[position];
-        if (c == 13 || c == 10 || c == 1 || c == 2) {
-            ++position;
-            ++i;
+    std::string_view rest = text;
+    for (std::size_t counted = 0; counted < text.size();) {
+        if (std::string_view("\r\n\1\2").find(rest.front()) != std::string_view::npos) {
+            rest.remove_prefix(1);
+            ++counted;
             continue;
         }
-        const unsigned c0 = ModelBase64Value(padded[position++]);
-        const unsigned c1 = ModelBase64Value(padded[position++]);
-        data += static_cast<char>((c0 * 64 + c1) / 16);
-        if (padded[position] != '=') {
-            const unsigned c2 = ModelBase64Value(padded[position++]);
-            data += static_cast<char>((c1 * 64 + c2) / 4);
-            if (padded[position] != '=')
-                data += static_cast<char>(c2 * 64 + ModelBase64Value(padded[position++]));
-        }
-        i += 4;
+        std::string group(rest.substr(0, 4));
+        group.resize(4, 'A');
+        const std::size_t padding = group.find('=', 2);
+        const std::size_t size = padding == std::string::npos ? 4 : padding;
+        unsigned bits = 0;
+        for (std::size_t i = 0; i < 4; ++i)
+            bits = bits * 64 + (i < size ? Base64Number(group[i]) : 0);
+        const std::string bytes = {static_cast<char>(bits / 256 / 256), static_cast<char>(bits / 256 % 256),
+                                   static_cast<char>(bits % 256)};
+        data += bytes.substr(0, size - 1);
+        rest.remove_prefix(std::min(size, rest.size()));
+        counted += 4;
     }
     return data;
 }
@@ -92,7 +108,7 @@ public:
         const unsigned share = 1 + Below(20);
         std::string text(length, '\0');
         for (char& c : text)
-            c = Below(share) == 0 ? others[Below(17)] : kBase64Alphabet[Below(64)];
+            c = Below(share) == 0 ? others[Below(17)] : Base64Character(Below(64));
         return text;
     }
 

@@ -6,7 +6,10 @@
 
 #include <gtest/gtest.h>
 
+#include <windows.h>
+
 #include <malloc.h>
+#include <wincrypt.h>
 
 #include <algorithm>
 #include <memory>
@@ -24,12 +27,13 @@ using Random = test::Base64Random;
 namespace
 {
 
-// What Decode writes, its zero byte not included; what it must not touch is looked at, too.
-std::string Decoded(const std::string& text, std::size_t room)
+// What Decode makes of the first `length` characters of a text, its zero byte not included; what it must not touch is
+// looked at, too.
+std::string Decoded(const std::string& text, std::size_t length, std::size_t room)
 {
     constexpr char kUntouched = '\x5A';
     std::vector<char> out(room + 32, kUntouched);
-    const int count = CBase64::Decode(text.data(), out.data(), static_cast<int>(text.size()));
+    const int count = CBase64::Decode(text.data(), out.data(), static_cast<int>(length));
     const auto end = out.begin() + count;
     EXPECT_EQ(*end, '\0');
     EXPECT_EQ(std::count(end + 1, out.end(), kUntouched), out.end() - end - 1);
@@ -38,7 +42,21 @@ std::string Decoded(const std::string& text, std::size_t room)
 
 std::string Decoded(const std::string& text)
 {
-    return Decoded(text, text.size() + 8);
+    return Decoded(text, text.size(), text.size() + 8);
+}
+
+// What Windows writes for data.
+std::string SystemText(const std::string& data)
+{
+    constexpr DWORD kFormat = CRYPT_STRING_BASE64 | CRYPT_STRING_NOCRLF;
+    const auto* const bytes = reinterpret_cast<const BYTE*>(data.data());
+    const auto size = static_cast<DWORD>(data.size());
+    DWORD length = 0;
+    EXPECT_TRUE(::CryptBinaryToStringA(bytes, size, kFormat, nullptr, &length));
+    std::string text(length, '\0');
+    EXPECT_TRUE(::CryptBinaryToStringA(bytes, size, kFormat, text.data(), &length));
+    text.resize(length);
+    return text;
 }
 
 // RFC 4648, section 10, and more.
@@ -103,6 +121,26 @@ TEST(Base64Encode, RandomDataIsEncodedAsTheModelDoes)
     for (int round = 0; round < 200000; ++round) {
         const std::string data = random.Bytes(random.Below(120));
         ASSERT_EQ(CBase64::Encode(data), ModelEncode(data)) << testing::PrintToString(data);
+    }
+}
+
+TEST(Base64Encode, RandomDataIsEncodedAsTheSystemDoes)
+{
+    Random random(8);
+    for (int round = 0; round < 20000; ++round) {
+        const std::string data = random.Bytes(1 + random.Below(120));
+        ASSERT_EQ(CBase64::Encode(data), SystemText(data)) << testing::PrintToString(data);
+    }
+}
+
+TEST(Base64Encode, IsTheSameWhateverComesAfterTheLength)
+{
+    Random random(9);
+    for (int round = 0; round < 100000; ++round) {
+        const std::size_t length = random.Below(200);
+        const std::string data = random.Bytes(length + 64);
+        ASSERT_EQ(CBase64::Encode(data.data(), static_cast<int>(length)), ModelEncode(data.substr(0, length)))
+            << length << testing::PrintToString(data);
     }
 }
 
@@ -234,6 +272,27 @@ TEST(Base64Decode, IsTheSameWhateverComesAfterTheLength)
             const int count = CBase64::Decode(longer.data(), out, static_cast<int>(text.size()));
             EXPECT_EQ(std::string(out, static_cast<std::size_t>(count)), expected) << text << behind;
         }
+    }
+}
+
+TEST(Base64Decode, IsTheSameWhateverRandomTextComesAfterTheLength)
+{
+    Random random(11);
+    for (int round = 0; round < 100000; ++round) {
+        std::string text = random.Text();
+        const std::size_t cut = random.Below(2) == 0 ? 0 : random.Below(8);
+        text.resize(text.size() - std::min(cut, text.size()));
+        const std::string longer = text + random.Text() + std::string(64, "A/=\n"[random.Below(4)]);
+        ASSERT_EQ(Decoded(longer, text.size(), text.size() + 8), ModelDecode(text)) << testing::PrintToString(longer);
+    }
+}
+
+TEST(Base64Decode, RandomDataComesBackFromTheSystemsText)
+{
+    Random random(12);
+    for (int round = 0; round < 20000; ++round) {
+        const std::string data = random.Bytes(1 + random.Below(300));
+        ASSERT_EQ(Decoded(SystemText(data)), data);
     }
 }
 
