@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs and builds what is missing, then runs every test, each under the code pages 936 and 1252.
+# Installs and builds what is missing, then runs every test, each under the code pages 936 and 1252; those of texts and
+# the log under UTF-8, too.
 #
 #     test.sh [--preset PRESET] [CTEST ARGUMENT ...]        such as: test.sh -R TextTests
 #
@@ -30,7 +31,7 @@ count() { cat "$results"/*.xml 2>/dev/null | grep -c "$1" || true; }
 ran=$(count '<testcase .*result="completed"')
 skipped=$(count '<testcase .*result="skipped"')
 failed=$(cat "$results"/*.xml 2>/dev/null | awk -F'"' '/^<testsuites / { sum += $4 } END { print sum + 0 }' || true)
-summary="$((ran - failed)) passed, $failed failed, $skipped skipped (these need the other code page)"
+summary="$((ran - failed)) passed, $failed failed, $skipped skipped (these need another code page)"
 if [ "$status" -ne 0 ]; then
     echo "test: the whole log is in $root/build/$preset/Testing/Temporary/LastTest.log"
     echo "test: FAILED, see above for what: $summary"

@@ -4,7 +4,8 @@
 /// Text: conversion between UTF-16, UTF-8 and the ANSI code page; trimming, replacing and splitting; Base64; MD5;
 /// comparison of versions.
 ///
-/// "ANSI" is the active code page of the system (CP_ACP): 936 (GBK) on a Chinese one, 1252 on a Western one.
+/// "ANSI" is the active code page (CP_ACP): 936 (GBK) on a Chinese system, 1252 on a Western one, UTF-8 in an
+/// application whose manifest sets activeCodePage to it.
 /// Every function here may be called from any thread; none keeps state. None throws anything but std::bad_alloc
 /// and std::length_error, for results too large to hold.
 
@@ -106,7 +107,8 @@ KELPKIT_API bool StringSplitLeftRight(const std::wstring& source, const std::wst
 /// character of the ANSI code page is one unit, two single-byte characters are one: "abcde" at width 1 gives "ab",
 /// "cd", "e". A rest that is exactly `\n\r` is dropped. At width 0 or less, every character is a piece.
 /// The text passes through the ANSI code page, and what that lacks is lost; every byte of 0x80 or more is taken for
-/// the first of a pair, which fits double-byte code pages such as 936.
+/// the first of a pair, which fits double-byte code pages such as 936; under UTF-8, characters of three bytes may be
+/// cut and come out as U+FFFD.
 KELPKIT_API void StringSplitBySize(const std::wstring& source, int width, std::vector<std::wstring>& pieces);
 
 // Base64

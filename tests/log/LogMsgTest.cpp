@@ -45,6 +45,7 @@ using test::ReadFileBytes;
 using test::RecordingAppender;
 using test::TempFolder;
 using test::UnderCodePage936;
+using test::UnderUtf8;
 using test::Widened;
 using test::WriteFileBytes;
 
@@ -436,15 +437,31 @@ TEST_F(FileLog, HoldsEveryByteValue)
     EXPECT_EQ(Lines(Folder() / L"run.log"), expected);
 }
 
-TEST_F(UnderCodePage936, ChineseMessageReachesTheLogAsItsGbkBytesWidened)
+namespace
+{
+
+// What a message is when it reaches an appender.
+std::wstring Recorded(const wchar_t* message)
 {
     auto* const appender = new RecordingAppender;
     log4cplus::Logger logger = log4cplus::Logger::getInstance(L"log");
     logger.addAppender(log4cplus::SharedAppenderPtr(appender));
-    CLogMsg::LogMsg(LV_FATAL, L"中");
-    ASSERT_EQ(appender->records.size(), 1U);
-    EXPECT_EQ(appender->records[0].text, L"\x00D6\x00D0");
+    CLogMsg::LogMsg(LV_FATAL, message);
+    const std::wstring text = appender->records.empty() ? L"" : appender->records[0].text;
     logger.removeAllAppenders();
+    return text;
+}
+
+} // namespace
+
+TEST_F(UnderCodePage936, ChineseMessageReachesTheLogAsItsGbkBytesWidened)
+{
+    EXPECT_EQ(Recorded(L"中"), L"\x00D6\x00D0");
+}
+
+TEST_F(UnderUtf8, MessageReachesTheLogAsItsUtf8BytesWidened)
+{
+    EXPECT_EQ(Recorded(L"中\xD83D\xDE00"), L"\x00E4\x00B8\x00AD\x00F0\x009F\x0098\x0080");
 }
 
 TEST_F(FileLog, SetLogPathCreatesEachMissingLevelFromTheTop)

@@ -60,8 +60,8 @@ protected:
     static constexpr const wchar_t* kSecondFile = L"log4cplus.appender.second=log4cplus::FileAppender\r\n"
                                                   L"log4cplus.appender.second.layout=log4cplus::SimpleLayout\r\n";
 
-    // A name for a file, Chinese where the encoding of the property file has it, under either code page.
-    static std::wstring Name() { return GetParam().isUnicode || ::GetACP() == 936 ? L"模型 é" : L"é Ö €"; }
+    // A name for a file, Chinese where the encoding of the property file has it, under any code page.
+    static std::wstring Name() { return GetParam().isUnicode || ::GetACP() != 1252 ? L"模型 é" : L"é Ö €"; }
 
     // With names relative to the folder, whose own name not every encoding has.
     void SetUp() override { ASSERT_TRUE(::SetCurrentDirectoryW(Folder().Path().c_str())) << test::LastErrorText(); }

@@ -7,8 +7,8 @@
 namespace test
 {
 
-// For what holds under one ANSI code page only. The suites derived from these say so by their names, and each test runs
-// under both code pages: once in earnest, once skipped.
+// For what holds under one ANSI code page only. The suites derived from these say so by their names. Each test runs
+// under every code page: once in earnest, otherwise skipped.
 template <UINT codePage>
 class UnderCodePage : public testing::Test
 {
@@ -22,5 +22,6 @@ protected:
 
 using UnderCodePage936 = UnderCodePage<936>;
 using UnderCodePage1252 = UnderCodePage<1252>;
+using UnderUtf8 = UnderCodePage<CP_UTF8>;
 
 } // namespace test

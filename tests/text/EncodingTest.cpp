@@ -19,6 +19,7 @@
 using namespace KELPKIT;
 using test::UnderCodePage1252;
 using test::UnderCodePage936;
+using test::UnderUtf8;
 
 namespace
 {
@@ -419,6 +420,15 @@ TEST_F(UnderCodePage1252, WhatTheCodePageLacksBecomesTheDefaultCharacter)
 {
     EXPECT_EQ(UnicodeToAnsi(L"a中b"), "a?b");
     EXPECT_EQ(AnsiToUnicode("\xD6\xD0\x80"), L"\x00D6\x00D0\x20AC");
+}
+
+TEST_F(UnderUtf8, EveryCharacterMakesTheRoundTripThroughAnsi)
+{
+    const std::wstring text = L"a\x00E9中\xD83D\xDE00";
+    EXPECT_EQ(UnicodeToAnsi(text), "a\xC3\xA9\xE4\xB8\xAD\xF0\x9F\x98\x80");
+    EXPECT_EQ(AnsiToUnicode(UnicodeToAnsi(text)), text);
+    EXPECT_EQ(AnsiToUnicode("\xD6\xD0"), L"\xFFFD\xFFFD") << "the bytes of code page 936";
+    EXPECT_EQ(UnicodeToAnsi(L"\xD83D"), "\xEF\xBF\xBD");
 }
 
 TEST(EncodingAlias, ConvertUtf8ToGBKGivesUtf16)

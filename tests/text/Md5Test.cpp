@@ -23,6 +23,7 @@ using test::FileHolder;
 using test::TempFolder;
 using test::UnderCodePage1252;
 using test::UnderCodePage936;
+using test::UnderUtf8;
 using test::WriteFileBytes;
 
 namespace
@@ -189,6 +190,15 @@ TEST_F(BuildMd5CodeUnder1252, DigestsTheAnsiBytesOfWideText)
 {
     EXPECT_EQ(Digest(std::wstring(L"中")), Wide(Digest(std::string("?"))));
     EXPECT_EQ(Digest(std::wstring(L"é")), Wide(Digest(std::string("\xE9"))));
+}
+
+class BuildMd5CodeUnderUtf8 : public UnderUtf8
+{
+};
+
+TEST_F(BuildMd5CodeUnderUtf8, DigestsTheAnsiBytesOfWideText)
+{
+    EXPECT_EQ(Digest(std::wstring(L"中")), Wide(Digest(std::string("\xE4\xB8\xAD"))));
 }
 
 TEST(BuildMd5Code, ManyThreadsDigestAtOnce)

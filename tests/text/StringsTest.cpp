@@ -19,6 +19,7 @@ using test::SlowlyReplaced;
 using test::SlowlySplitBySize;
 using test::UnderCodePage1252;
 using test::UnderCodePage936;
+using test::UnderUtf8;
 
 using Pieces = std::vector<std::wstring>;
 
@@ -375,6 +376,16 @@ TEST_F(UnderCodePage1252, SplitBySizeTakesEveryHighByteForTheFirstOfAPair)
     EXPECT_EQ(SplitBySize(L"abé", 1), (Pieces{L"ab", L"é"}));
 }
 
+TEST_F(UnderUtf8, SplitBySizeTakesEveryHighByteForTheFirstOfAPair)
+{
+    // Characters of two and of four bytes are one unit and two.
+    EXPECT_EQ(SplitBySize(L"\x00E9\x00D6", 1), (Pieces{L"\x00E9", L"\x00D6"}));
+    EXPECT_EQ(SplitBySize(L"\xD83D\xDE00x", 2), (Pieces{L"\xD83D\xDE00", L"x"}));
+    // Those of three, which Chinese ones have, are cut: E9 9B, B6 E4, BB B6.
+    EXPECT_EQ(SplitBySize(L"零件", 1), (Pieces{L"\xFFFD", L"\xFFFD\xFFFD", L"\xFFFD\xFFFD"}));
+    EXPECT_EQ(SplitBySize(L"零件", 3), (Pieces{L"零件"}));
+}
+
 TEST(StringSplitBySize, TakesAWidthBeyondTheText)
 {
     EXPECT_EQ(SplitBySize(L"abc", INT_MAX), (Pieces{L"abc"}));
@@ -392,9 +403,11 @@ TEST(StringSplitBySize, AgreesWithTheRuleOnRandomTexts)
 
 TEST(StringSplitBySize, HandlesALongText)
 {
+    // UTF-8 has three bytes for a Chinese character, which are cut; of two bytes both stay together.
+    const wchar_t* const words = ::GetACP() == CP_UTF8 ? L"\x00E9\x00D6 gear " : L"模型 gear ";
     std::wstring text;
     while (text.size() < 1 << 20)
-        text += L"模型 gear ";
+        text += words;
     std::wstring joined;
     for (const std::wstring& piece : SplitBySize(text, 8))
         joined += piece;

@@ -16,6 +16,7 @@ using namespace KELPKIT;
 using test::ModelVersionOrder;
 using test::PageTouches;
 using test::UnderCodePage936;
+using test::UnderUtf8;
 
 namespace
 {
@@ -89,7 +90,7 @@ TEST(ALargeB, ComparesAnythingElseAsTexts)
 
 TEST(ALargeB, BytesOfTextsAreUnsigned)
 {
-    // E9 or A8 A6, as the code page is; both are above the 7A of z.
+    // E9, A8 A6 or C3 A9, as the code page is; all are above the 7A of z.
     ExpectBothWays({L"é", L"z", 1});
 }
 
@@ -115,6 +116,17 @@ TEST_F(ALargeBUnder936, ComparesTheBytesOfTheCodePage)
 {
     // D6 D0 and CE C4; by code point it would be the other way round than by pinyin.
     ExpectBothWays({L"中", L"文", 1});
+    ExpectBothWays({L"版2", L"版10", -1});
+}
+
+class ALargeBUnderUtf8 : public UnderUtf8
+{
+};
+
+TEST_F(ALargeBUnderUtf8, ComparesTheBytesOfTheCodePage)
+{
+    // E4 B8 AD and E6 96 87.
+    ExpectBothWays({L"中", L"文", -1});
     ExpectBothWays({L"版2", L"版10", -1});
 }
 
