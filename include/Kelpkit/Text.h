@@ -116,7 +116,8 @@ KELPKIT_API void StringSplitBySize(const std::wstring& source, int width, std::v
 /// Base64 (RFC 4648, section 4: the alphabet with "+" and "/", padded with "="). Holds nothing; all its operations are
 /// static.
 ///
-/// Decoding is lenient and reports no error. The text is read in quanta of four characters, each giving three bytes:
+/// Decoding is lenient and reports no error. A text of more than 2147483647 characters counts as empty. The text is read
+/// in quanta of four characters, each giving three bytes:
 /// - Between quanta, `\r`, `\n` and the control characters 1 and 2 are skipped.
 /// - Inside a quantum, any character that is not in the alphabet counts as "A", whose value is 0. So does what a last
 ///   quantum lacks at the end of the text: "TQ" gives the bytes 4D 00 00.

@@ -4,6 +4,7 @@
 #include "text/Processor.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstring>
 #include <string_view>
 #include <utility>
@@ -46,6 +47,12 @@ std::size_t Length(int length)
     return static_cast<std::size_t>(std::max(length, 0));
 }
 
+// Lengths are int, and so are the counts of decoded bytes: a text that is longer counts as an empty one.
+std::string_view Countable(const std::string& text)
+{
+    return text.size() <= INT_MAX ? std::string_view(text) : std::string_view();
+}
+
 } // namespace
 
 CBase64& CBase64::operator=(const CBase64&) = default;
@@ -69,8 +76,9 @@ std::string CBase64::Encode(std::string data)
 
 int CBase64::DecodeEx(std::string text, std::string& out)
 {
-    std::string area(DecodedRoom(text.size()), '\0');
-    const std::size_t count = DecodeText(text, area.data());
+    const std::string_view characters = Countable(text);
+    std::string area(DecodedRoom(characters.size()), '\0');
+    const std::size_t count = DecodeText(characters, area.data());
     // By contract the text ends at its first zero byte, whatever the count says.
     area.resize(std::strlen(area.c_str()));
     out = std::move(area);
@@ -79,8 +87,9 @@ int CBase64::DecodeEx(std::string text, std::string& out)
 
 void CBase64::DecodeEx(std::string text, char*& buffer, int& length)
 {
-    buffer = new char[DecodedRoom(text.size())]();
-    length = static_cast<int>(DecodeText(text, buffer));
+    const std::string_view characters = Countable(text);
+    buffer = new char[DecodedRoom(characters.size())]();
+    length = static_cast<int>(DecodeText(characters, buffer));
 }
 // NOLINTEND(performance-unnecessary-value-param)
 
