@@ -32,15 +32,17 @@ bool Map(HANDLE section, char* place)
     return ::MapViewOfFileEx(section, FILE_MAP_ALL_ACCESS, 0, 0, kLap, place) == place;
 }
 
-// Of the memory of two sections; their views keep them.
+// Of the memory of three sections; their views keep them.
 bool MapLaps(const Block& block)
 {
+    const HANDLE first = NewSection();
     const HANDLE repeated = NewSection();
     const HANDLE last = NewSection();
-    bool done = true;
-    for (std::size_t lap = 0; lap + 1 < block.laps; ++lap)
+    bool done = Map(first, block.start);
+    for (std::size_t lap = 1; lap + 1 < block.laps; ++lap)
         done = done && Map(repeated, block.start + lap * kLap);
     done = done && Map(last, block.start + (block.laps - 1) * kLap);
+    ::CloseHandle(first);
     ::CloseHandle(repeated);
     ::CloseHandle(last);
     return done;

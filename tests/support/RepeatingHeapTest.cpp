@@ -17,12 +17,13 @@ TEST(RepeatingHeap, HoldsTextsThatRepeatThemselves)
     EXPECT_EQ(text.c_str()[kSize], '\0');
 }
 
-TEST(RepeatingHeap, RepeatsItsMemoryUpToTheLastPart)
+TEST(RepeatingHeap, RepeatsItsMemoryBetweenTheFirstAndTheLastPart)
 {
     constexpr std::size_t kLap = 12 << 20;
     const RepeatingHeap heap;
     std::string text(30 * kLap - 1, 'x');
-    text[0] = 'y';
+    text[kLap] = 'y';
+    EXPECT_EQ(text[0], 'x');
     EXPECT_EQ(text[28 * kLap], 'y');
     EXPECT_EQ(text[29 * kLap], 'x');
 }
