@@ -9,6 +9,9 @@ using fuzz::Expect;
 namespace
 {
 
+// More bytes than the buffers behind the conversions hold.
+constexpr std::size_t kEnough = 4096;
+
 // The conversions in one call of the system's each.
 std::wstring SystemWide(UINT codePage, const std::string& text)
 {
@@ -30,14 +33,14 @@ std::string SystemNarrow(UINT codePage, const std::wstring& text)
 
 } // namespace
 
-// The bytes are UTF-8, ANSI, and the units of UTF-16; repeated, they fill more than the buffers behind the conversions.
+// The bytes are UTF-8, ANSI, and the units of UTF-16, repeated.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     if (size == 0)
         return 0;
     const std::string bytes(data + 1, data + size);
     std::string text;
-    for (int times = data[0] % 32; times >= 0; --times)
+    for (int times = data[0] % 32; times >= 0 && text.size() < kEnough; --times)
         text += bytes;
     Expect(KELPKIT::UTF8ToUnicode(text) == SystemWide(CP_UTF8, text), "UTF-8 to UTF-16");
     Expect(KELPKIT::AnsiToUnicode(text) == SystemWide(CP_ACP, text), "ANSI to UTF-16");

@@ -10,6 +10,9 @@ using fuzz::Expect;
 namespace
 {
 
+// A longer text, put in for each of its characters, takes most of the time.
+constexpr std::size_t kLongestReplacedByItself = 64;
+
 template <class Text>
 void Replace(const Text& text, const Text& pattern, const Text& replacement)
 {
@@ -21,6 +24,8 @@ void Replace(const Text& text, const Text& pattern, const Text& replacement)
     replaced = text;
     KELPKIT::StringReplace(replaced, replaced, replacement);
     Expect(replaced == (text.empty() ? text : replacement), "the text itself is the pattern");
+    if (text.size() > kLongestReplacedByItself)
+        return;
     replaced = text;
     KELPKIT::StringReplace(replaced, pattern, replaced);
     Expect(replaced == test::SlowlyReplaced(text, pattern, text), "the text itself is the replacement");

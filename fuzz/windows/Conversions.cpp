@@ -94,52 +94,66 @@ Step FromUnits(std::wstring_view text)
     return {0x10000 + ((unit - 0xD800) << 10) + (next - 0xDC00), 2};
 }
 
-std::wstring ToUnits(char32_t character)
+void AppendUnits(char32_t character, std::wstring& units)
 {
-    if (character < 0x10000)
-        return {static_cast<wchar_t>(character)};
-    return {static_cast<wchar_t>(0xD7C0 + (character >> 10)), static_cast<wchar_t>(0xDC00 + (character & 0x3FF))};
+    if (character >= 0x10000) {
+        units += static_cast<wchar_t>(0xD7C0 + (character >> 10));
+        character = 0xDC00 + (character & 0x3FF);
+    }
+    units += static_cast<wchar_t>(character);
 }
 
-std::string ToUtf8(char32_t character)
+void AppendUtf8(char32_t character, std::string& bytes)
 {
-    const auto trail = [character](int shift) { return static_cast<char>(0x80 | (character >> shift & 0x3F)); };
-    if (character < 0x80)
-        return {static_cast<char>(character)};
-    if (character < 0x800)
-        return {static_cast<char>(0xC0 | character >> 6), trail(0)};
-    if (character < 0x10000)
-        return {static_cast<char>(0xE0 | character >> 12), trail(6), trail(0)};
-    return {static_cast<char>(0xF0 | character >> 18), trail(12), trail(6), trail(0)};
+    if (character < 0x80) {
+        bytes += static_cast<char>(character);
+        return;
+    }
+    int shift = character < 0x800 ? 6 : character < 0x10000 ? 12 : 18;
+    const unsigned lead = shift == 6 ? 0xC0 : shift == 12 ? 0xE0 : 0xF0;
+    bytes += static_cast<char>(lead | character >> shift);
+    while ((shift -= 6) >= 0)
+        bytes += static_cast<char>(0x80 | (character >> shift & 0x3F));
 }
 
-std::string ToDoubleByte(char32_t character)
+// False where the code page lacks the character.
+bool AppendDoubleByte(char32_t character, std::string& bytes)
 {
-    if (character < 0x80)
-        return {static_cast<char>(character)};
-    if (character == 0x20AC)
-        return "\x80";
+    if (character < 0x80 || character == 0x20AC) {
+        bytes += static_cast<char>(character < 0x80 ? character : 0x80);
+        return true;
+    }
     const bool isPrivate = character >= 0xE000;
     const char32_t place = isPrivate ? character - 0xE000 + kPrivateRow * kTrails : character - 0x4E00;
     if (character < 0x4E00 || place / kTrails >= (isPrivate ? kRows : kPrivateRow))
-        return {};
-    return {static_cast<char>(0x81 + place / kTrails), static_cast<char>(0x40 + place % kTrails)};
+        return false;
+    bytes += static_cast<char>(0x81 + place / kTrails);
+    bytes += static_cast<char>(0x40 + place % kTrails);
+    return true;
 }
 
-// Empty where the code page lacks the character.
-std::string ToBytes(UINT codePage, char32_t character)
+// False where the code page lacks the character.
+bool AppendBytes(UINT codePage, char32_t character, std::string& bytes)
 {
-    if (codePage == CP_UTF8)
-        return ToUtf8(character);
-    if (codePage == kLatin1)
-        return character < 0x100 ? std::string{static_cast<char>(character)} : std::string();
-    return ToDoubleByte(character);
+    if (codePage == CP_UTF8) {
+        AppendUtf8(character == Step::kNone ? kReplacement : character, bytes);
+        return true;
+    }
+    if (character == Step::kNone)
+        return false;
+    if (codePage != kLatin1)
+        return AppendDoubleByte(character, bytes);
+    if (character < 0x100)
+        bytes += static_cast<char>(character);
+    return character < 0x100;
 }
 
-// Windows' way to hand over a result: its size, or 0 where it does not fit.
+// Windows' way to hand over a result: its size, which is all where there is no room, or 0 where it does not fit.
 template <class Char>
 int HandOver(const std::basic_string<Char>& result, Char* out, int room)
 {
+    if (room == 0)
+        return static_cast<int>(result.size());
     if (result.size() > static_cast<std::size_t>(room))
         return 0;
     std::copy(result.begin(), result.end(), out);
@@ -158,11 +172,12 @@ int MultiByteToWideChar(UINT codePage, DWORD flags, const char* bytes, int size,
     if (codePage != CP_ACP && !IsValidCodePage(codePage))
         return 0;
     std::wstring result;
+    result.reserve(static_cast<std::size_t>(size));
     for (std::string_view rest(bytes, static_cast<std::size_t>(size)); !rest.empty();) {
         const Step step = FromBytes(codePage, rest);
         if (step.character == Step::kNone && (flags & MB_ERR_INVALID_CHARS) != 0)
             return 0;
-        result += ToUnits(step.character == Step::kNone ? kReplacement : step.character);
+        AppendUnits(step.character == Step::kNone ? kReplacement : step.character, result);
         rest.remove_prefix(step.length);
     }
     return HandOver(result, units, room);
@@ -174,16 +189,16 @@ int WideCharToMultiByte(UINT codePage, DWORD flags, const wchar_t* units, int si
     if (codePage != CP_ACP && !IsValidCodePage(codePage))
         return 0;
     std::string result;
+    result.reserve(3 * static_cast<std::size_t>(size));
     for (std::wstring_view rest(units, static_cast<std::size_t>(size)); !rest.empty();) {
         const Step step = FromUnits(rest);
         if (step.character == Step::kNone && (flags & WC_ERR_INVALID_CHARS) != 0)
             return 0;
-        std::string piece = step.character == Step::kNone
-                                ? ToBytes(codePage, codePage == CP_UTF8 ? kReplacement : 0x110000)
-                                : ToBytes(codePage, step.character);
-        if (piece.empty() && replaced != nullptr)
-            *replaced = TRUE;
-        result += piece.empty() ? "?" : piece;
+        if (!AppendBytes(codePage, step.character, result)) {
+            result += '?';
+            if (replaced != nullptr)
+                *replaced = TRUE;
+        }
         rest.remove_prefix(step.length);
     }
     return HandOver(result, bytes, room);

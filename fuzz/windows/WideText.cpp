@@ -25,8 +25,11 @@ std::size_t wcslen(const wchar_t* text) noexcept
 
 int wmemcmp(const wchar_t* a, const wchar_t* b, std::size_t count) noexcept
 {
-    const auto [inA, inB] = std::mismatch(a, a + count, b);
-    return inA == a + count ? 0 : *inA < *inB ? -1 : 1;
+    for (; count > 0 && *a == *b; --count) {
+        ++a;
+        ++b;
+    }
+    return count == 0 ? 0 : *a < *b ? -1 : 1;
 }
 
 int wcscmp(const wchar_t* a, const wchar_t* b) noexcept

@@ -11,6 +11,9 @@ using xmlparser::XMLTree;
 namespace
 {
 
+// More of them take longer and reach nothing new.
+constexpr std::size_t kMostEdits = 24;
+
 // The only file that there is.
 std::string g_file;
 
@@ -59,7 +62,8 @@ int ChildCount(IXMLTree& tree)
 void Tell(IXMLTree& tree, std::wstring& told)
 {
     const int count = ChildCount(tree);
-    told += TextOf(tree) + L'\0' + std::wstring(static_cast<std::size_t>(count), L'+') + L'\0';
+    told += TextOf(tree) + L'\0';
+    told.append(static_cast<std::size_t>(count), L'+') += L'\0';
     for (int i = 0; i < count; ++i) {
         tree.GoToChildAt(i);
         Tell(tree, told);
@@ -150,7 +154,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     } else {
         Expect(Told(tree).empty() && !tree.SaveFile(L""), "what does not load leaves an empty tree");
     }
-    for (const char edit : edits)
+    for (const char edit : edits.substr(0, kMostEdits))
         Edit(tree, static_cast<unsigned char>(edit), name, text);
     if (tree.SaveFile(L""))
         ExpectRoundTrip(Told(tree));
