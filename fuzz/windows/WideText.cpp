@@ -37,6 +37,14 @@ int wcscmp(const wchar_t* a, const wchar_t* b) noexcept
     return wmemcmp(a, b, std::min(wcslen(a), wcslen(b)) + 1);
 }
 
+wchar_t* wcsrchr(const wchar_t* text, wchar_t unit) noexcept
+{
+    const wchar_t* found = nullptr;
+    for (; *text != L'\0'; ++text)
+        found = *text == unit ? text : found;
+    return const_cast<wchar_t*>(found);
+}
+
 wchar_t* wmemcpy(wchar_t* to, const wchar_t* from, std::size_t count) noexcept
 {
     std::copy_n(from, count, to);

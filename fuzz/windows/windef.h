@@ -5,6 +5,7 @@
 #include <cstdint>
 
 using BOOL = int;
+using WORD = std::uint16_t;
 using DWORD = std::uint32_t;
 using LONG = std::int32_t;
 using UINT = unsigned;

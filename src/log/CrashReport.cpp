@@ -1,22 +1,19 @@
 #include "Kelpkit/CrashReport.h"
 
 #include "WindowsApi.h"
+#include "log/DumpPath.h"
 #include "log/Termination.h"
 
 #include <dbghelp.h>
 
-#include <algorithm>
-#include <cstddef>
 #include <cstring>
-#include <cwchar>
-#include <initializer_list>
 
 namespace KELPKIT
 {
 namespace
 {
 
-// What runs after the crash must not allocate: the heap may be damaged, or locked by a thread that stands still.
+// What runs after the crash must not allocate: the heap may be damaged, or locked by a suspended thread.
 
 constexpr wchar_t kDriveRoot[] = L"C:\\";
 
@@ -28,48 +25,11 @@ struct Names {
     wchar_t program[MAX_PATH] = {};
 };
 
-// The path of the dump, which is cut where it gets too long.
-class DumpPath
-{
-public:
-    const wchar_t* Text() const { return m_text; }
-
-    void Append(wchar_t c)
-    {
-        if (m_length < MAX_PATH - 1)
-            m_text[m_length++] = c;
-    }
-
-    void Append(const wchar_t* text)
-    {
-        for (; *text != L'\0'; ++text)
-            Append(*text);
-    }
-
-    // Of at least so many digits.
-    void AppendNumber(unsigned number, int digits)
-    {
-        if (number > 9 || digits > 1)
-            AppendNumber(number / 10, digits - 1);
-        Append(static_cast<wchar_t>(L'0' + number % 10));
-    }
-
-private:
-    wchar_t m_text[MAX_PATH] = {};
-    std::size_t m_length = 0;
-};
-
 void FindProgram(Names& names)
 {
-    wchar_t* const path = names.folder; // lent until the folder is known
+    wchar_t* const path = names.folder; // scratch space until the folder is known
     ::GetModuleFileNameW(nullptr, path, MAX_PATH);
-    const wchar_t* const backslash = std::wcsrchr(path, L'\\');
-    if (backslash == nullptr)
-        return;
-    // By contract as many bytes as the path has characters, which cuts a name that is longer than half the path, be it
-    // in the middle of a character.
-    const std::size_t nameBytes = std::wcslen(backslash + 1) * sizeof(wchar_t);
-    std::memcpy(names.program, backslash + 1, std::min(nameBytes, std::wcslen(path)));
+    crash::CopyProgramName(path, names.program);
 }
 
 void FindFolder(Names& names)
@@ -80,28 +40,21 @@ void FindFolder(Names& names)
         std::memcpy(names.folder, kDriveRoot, sizeof kDriveRoot);
 }
 
-void BuildPath(DumpPath& path)
+crash::DumpPath PathNow()
 {
     Names names;
     FindProgram(names);
     FindFolder(names);
     SYSTEMTIME now;
     ::GetLocalTime(&now);
-    path.Append(names.folder);
-    path.AppendNumber(now.wYear, 4);
-    for (const WORD field : {now.wMonth, now.wDay, now.wHour, now.wMinute, now.wSecond})
-        path.AppendNumber(field, 2);
-    path.Append(L'_');
-    path.Append(names.program);
-    path.Append(L".dmp");
+    return {names.folder, now, names.program};
 }
 
 void WriteDump(EXCEPTION_POINTERS* exception)
 {
     if (g_writeDump == nullptr)
         return;
-    DumpPath path;
-    BuildPath(path);
+    const crash::DumpPath path = PathNow();
     const HANDLE file = ::CreateFileW(path.Text(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                       nullptr, CREATE_ALWAYS, 0, nullptr);
     if (file == INVALID_HANDLE_VALUE)
