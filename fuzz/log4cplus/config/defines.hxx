@@ -1,0 +1,1 @@
+// Nothing that log4cplus looks for in the system when it is built.
