@@ -13,6 +13,9 @@ namespace
 // A longer text, put in for each of its characters, takes most of the time.
 constexpr std::size_t kLongestReplacedByItself = 64;
 
+// More than the buffer behind the replacement holds.
+constexpr std::size_t kEnough = 1100;
+
 template <class Text>
 void Replace(const Text& text, const Text& pattern, const Text& replacement)
 {
@@ -33,12 +36,17 @@ void Replace(const Text& text, const Text& pattern, const Text& replacement)
 
 } // namespace
 
-// Pattern, replacement and text, each ended by a backslash with anything behind it but another one.
+// Pattern, replacement and text, each ended by a backslash with anything behind it but another one. A last byte over 240
+// repeats the replacement, which takes time.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     FuzzedDataProvider input(data, size);
+    int times = input.ConsumeIntegralInRange(0, 255) - 240;
     const std::string pattern = input.ConsumeRandomLengthString();
-    const std::string replacement = input.ConsumeRandomLengthString();
+    const std::string part = input.ConsumeRandomLengthString();
+    std::string replacement = part;
+    while (times-- > 0 && replacement.size() < kEnough)
+        replacement += part;
     const std::string text = input.ConsumeRemainingBytesAsString();
     Replace(text, pattern, replacement);
     Replace(fuzz::Wide(text), fuzz::Wide(pattern), fuzz::Wide(replacement));
