@@ -1,9 +1,13 @@
 #include "support/Fuzz.h"
+#include "text/Base64Codec.h"
 #include "text/Base64Model.h"
+#include "text/Processor.h"
 
 #include <Kelpkit/Text.h>
 
 #include <algorithm>
+#include <string_view>
+#include <utility>
 
 using fuzz::Expect;
 using KELPKIT::CBase64;
@@ -29,6 +33,29 @@ std::string DecodedToNewMemory(const std::string& text)
     return {buffer, static_cast<std::size_t>(length)};
 }
 
+// With the registers of each kind of processor.
+void ExpectAlike(const std::string& bytes, const std::string& encoded, const std::string& decoded)
+{
+    namespace base64 = KELPKIT::base64;
+    const std::pair<const base64::Blocks*, bool> ways[] = {
+        {&base64::kNoBlocks, true},
+        {&base64::kAvx2Blocks, KELPKIT::processor::HasAvx2()},
+        {&base64::kAvx512Blocks, KELPKIT::processor::HasAvx512()},
+    };
+    const std::unique_ptr<char[]> in = fuzz::Exactly(bytes);
+    const std::size_t room = (bytes.size() + 3) / 4 * 3 + 1;
+    const std::unique_ptr<char[]> out(new char[std::max(encoded.size(), room)]);
+    for (const auto& [blocks, isThere] : ways) {
+        if (!isThere)
+            continue;
+        std::fill_n(out.get(), encoded.size(), base64::kPadding);
+        base64::Encode(*blocks, {in.get(), bytes.size()}, out.get());
+        Expect(std::string_view(out.get(), encoded.size()) == encoded, "every processor encodes alike");
+        const std::size_t count = base64::Decode(*blocks, {in.get(), bytes.size()}, out.get());
+        Expect(std::string_view(out.get(), count) == decoded, "and decodes alike");
+    }
+}
+
 } // namespace
 
 // The bytes are both data to encode and text to decode.
@@ -41,6 +68,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
     Expect(Decoded(text) == bytes, "encoded data is decoded to itself");
 
     const std::string decoded = test::ModelDecode(bytes);
+    ExpectAlike(bytes, text, decoded);
     Expect(Decoded(bytes) == decoded, "text is decoded as the model does");
     Expect(DecodedToNewMemory(bytes) == decoded, "so it is to new memory");
     std::string upToZero;

@@ -1,10 +1,15 @@
 #include "support/Fuzz.h"
+#include "text/Processor.h"
+#include "text/Utf8.h"
 
 #include <Kelpkit/Text.h>
 
 #include <windows.h>
 
+#include <optional>
+
 using fuzz::Expect;
+namespace utf8 = KELPKIT::utf8;
 
 namespace
 {
@@ -31,6 +36,32 @@ std::string SystemNarrow(UINT codePage, const std::wstring& text)
     return bytes.substr(0, static_cast<std::size_t>(count));
 }
 
+// In one piece; nothing where the text is refused.
+template <class Result, class Text, class Convert>
+std::optional<Result> Converted(const utf8::Blocks& blocks, const Text& text, const Convert& convert)
+{
+    Result result(3 * text.size() + utf8::kLeastRoom, '\0');
+    const auto* in = text.c_str();
+    const auto* const end = convert(blocks, in, in + text.size(), result.data(), result.data() + result.size());
+    if (end == nullptr)
+        return {};
+    Expect(in == text.c_str() + text.size(), "all of it is read");
+    return result.substr(0, static_cast<std::size_t>(end - result.data()));
+}
+
+// With the registers of each kind of processor.
+void ExpectAlike(const std::string& text, const std::wstring& wide)
+{
+    if (!KELPKIT::processor::HasAvx2())
+        return;
+    const auto units = Converted<std::wstring>(utf8::kNoBlocks, text, utf8::Decode);
+    Expect(Converted<std::wstring>(utf8::kAvx2Blocks, text, utf8::Decode) == units, "every processor decodes alike");
+    Expect(!units || *units == wide, "as the system does");
+    const auto bytes = Converted<std::string>(utf8::kNoBlocks, wide, utf8::Encode);
+    Expect(Converted<std::string>(utf8::kAvx2Blocks, wide, utf8::Encode) == bytes, "every processor encodes alike");
+    Expect(!units || bytes == text, "to what was decoded");
+}
+
 } // namespace
 
 // The bytes are UTF-8, ANSI, and the units of UTF-16, repeated.
@@ -44,6 +75,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
         text += bytes;
     Expect(KELPKIT::UTF8ToUnicode(text) == SystemWide(CP_UTF8, text), "UTF-8 to UTF-16");
     Expect(KELPKIT::AnsiToUnicode(text) == SystemWide(CP_ACP, text), "ANSI to UTF-16");
+    ExpectAlike(bytes, SystemWide(CP_UTF8, bytes));
     for (const std::wstring& wide : {fuzz::Wide(text), SystemWide(CP_UTF8, text)}) {
         Expect(KELPKIT::UnicodeToUTF8(wide) == SystemNarrow(CP_UTF8, wide), "UTF-16 to UTF-8");
         Expect(KELPKIT::UnicodeToAnsi(wide) == SystemNarrow(CP_ACP, wide), "UTF-16 to ANSI");
