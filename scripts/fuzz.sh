@@ -14,8 +14,8 @@ results=$root/build/fuzz
 preset=native-fuzz
 # Longer inputs take longer and reach nothing new.
 export options=-max_len=512
-# Freed memory is kept from reuse as long as it takes a few executions to find out. A finding's own run, without these
-# options, says where memory came from.
+# Little freed memory is kept back, and where memory came from is not noted; a finding's own run, without these options,
+# says it.
 export ASAN_OPTIONS=quarantine_size_mb=4:malloc_context_size=0
 
 usage() {
@@ -82,16 +82,18 @@ run() {
     echo "fuzz: no findings"
 }
 
-# Without counters: an input is kept for a place in the code, not for how often it comes by.
 keep() {
+    local target
     # shellcheck disable=SC2016 # the inner shell is to expand it
-    for_each_target '"$programs/$1" $options -merge=1 -use_counters=0 "$root/fuzz/corpus/$1" "$results/corpus/$1" \
+    for_each_target '"$programs/$1" $options -merge=1 "$root/fuzz/corpus/$1" "$results/corpus/$1" \
         >"$results/merge-$1.log" 2>&1'
-    (cd "$root/fuzz/corpus" && du -sb --apparent-size -- * | awk '{ printf "  %-22s %8d bytes\n", $2, $1 }')
+    for target in $targets; do
+        printf '  %-22s %8d bytes\n' "$target" "$(cat "$root/fuzz/corpus/$target"/* | wc -c)"
+    done
 }
 
-# The sum of the lines of units: of which target, by which profile, the files that list the units, programs. What several
-# programs have of a header may differ, which is said.
+# Prints the sum of the lines of units: its name, the profile, the files that list the units, and the programs. The
+# warnings are about templates that the programs have compiled differently.
 print_lines() {
     local name=$1 profile=$2 units=$3
     shift 3

@@ -7,10 +7,10 @@
 #include <fstream>
 #include <sstream>
 
+// NOLINTNEXTLINE(cert-dcl58-cpp): log4cplus calls it std::ifstream
 namespace std
 {
 
-// NOLINTNEXTLINE(cert-dcl58-cpp): log4cplus calls it std::ifstream
 class FileInMemory : public istringstream
 {
 public:

@@ -57,10 +57,10 @@ using tistringstream = tistream;
 
 } // namespace log4cplus
 
+// NOLINTNEXTLINE(cert-dcl58-cpp): log4cplus calls it by this name
 namespace std
 {
 
-// NOLINTNEXTLINE(cert-dcl58-cpp): log4cplus calls it by this name
 inline log4cplus::tistream& getline(log4cplus::tistream& text, wstring& line)
 {
     return text.Line(line);
