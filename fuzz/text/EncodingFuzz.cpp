@@ -64,14 +64,14 @@ void ExpectAlike(const std::string& text, const std::wstring& wide)
 
 } // namespace
 
-// The bytes are UTF-8, ANSI, and the units of UTF-16, repeated.
+// The bytes are UTF-8, ANSI, and the units of UTF-16; a first byte over 224 repeats them.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     if (size == 0)
         return 0;
     const std::string bytes(data + 1, data + size);
-    std::string text;
-    for (int times = data[0] % 32; times >= 0 && text.size() < kEnough; --times)
+    std::string text = bytes;
+    for (int times = data[0] - 224; times > 0 && text.size() < kEnough; --times)
         text += bytes;
     Expect(KELPKIT::UTF8ToUnicode(text) == SystemWide(CP_UTF8, text), "UTF-8 to UTF-16");
     Expect(KELPKIT::AnsiToUnicode(text) == SystemWide(CP_ACP, text), "ANSI to UTF-16");
