@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs and builds what is missing, then runs every fuzz target for a while, with AddressSanitizer and
-# UndefinedBehaviorSanitizer, on this machine itself. Inputs that reach something new are added to build/fuzz/corpus, and
-# the next run starts from them.
+# UndefinedBehaviorSanitizer, on this machine itself. Inputs that reach something new are added to build/fuzz/corpus,
+# and the next run starts from them.
 #
 #     fuzz.sh [SECONDS]          for each target, 60 if not given
 #     fuzz.sh --runs COUNT       executions of each target, however long they take
