@@ -181,19 +181,9 @@ TEST_P(XMLTreeOverwrite, CutsTheFileWhenTheNewContentIsOnTheDisk)
 
 TEST_P(XMLTreeOverwrite, ShowsReadersNothingHalfWritten)
 {
-    static std::wstring s_path;
-    s_path = m_file.Path().GetString();
-    static int s_writes;
-    s_writes = 0;
-    const ImportPatch write(
-        L"XMLParser.dll", "WriteFile",
-        +[](HANDLE handle, const void* bytes, DWORD size, DWORD* written, OVERLAPPED*) -> BOOL {
-            ++s_writes;
-            test::ExpectNobodyCanOpen(s_path);
-            return ::WriteFile(handle, bytes, size, written, nullptr);
-        });
+    const test::UnsharedWrites writes(m_file.Path().GetString());
     EXPECT_TRUE(Save());
-    EXPECT_EQ(s_writes, 1);
+    EXPECT_EQ(writes.Count(), 1);
 }
 
 TEST(XMLTreeSave, OverwritesAFileWhosePathIsAsLongAsCanBe)

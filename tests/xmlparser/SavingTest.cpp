@@ -442,19 +442,9 @@ TEST(XMLTreeSave, WaitsForAnotherWriterAndGivesUp)
 TEST(XMLTreeSave, SharesTheFileThatItWritesWithNobody)
 {
     const TreeFile file("<r/>");
-    static std::wstring s_temporary;
-    s_temporary = (file.Folder() / L"file.xml") + TemporaryEnding();
-    static int s_writes;
-    s_writes = 0;
-    const ImportPatch write(
-        L"XMLParser.dll", "WriteFile",
-        +[](HANDLE handle, const void* bytes, DWORD size, DWORD* written, OVERLAPPED*) -> BOOL {
-            ++s_writes;
-            test::ExpectNobodyCanOpen(s_temporary);
-            return ::WriteFile(handle, bytes, size, written, nullptr);
-        });
+    const test::UnsharedWrites writes((file.Folder() / L"file.xml") + TemporaryEnding());
     EXPECT_TRUE(file.Add(L"a", L"1"));
-    EXPECT_EQ(s_writes, 1);
+    EXPECT_EQ(writes.Count(), 1);
 }
 
 TEST(XMLTreeSave, ShowsReadersTheOldFileOrTheNewOne)

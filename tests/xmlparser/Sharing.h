@@ -65,4 +65,28 @@ inline void ExpectNobodyCanOpen(const std::wstring& path)
     }
 }
 
+// While it lives, XMLParser.dll writes only to a file that nobody else can open. One at a time.
+class UnsharedWrites
+{
+public:
+    explicit UnsharedWrites(const std::wstring& path)
+    {
+        s_path = path;
+        s_count = 0;
+    }
+
+    static int Count() { return s_count; }
+
+private:
+    static inline std::wstring s_path;
+    static inline int s_count;
+
+    ImportPatch m_write{L"XMLParser.dll", "WriteFile",
+                        +[](HANDLE handle, const void* bytes, DWORD size, DWORD* written, OVERLAPPED*) -> BOOL {
+                            ++s_count;
+                            ExpectNobodyCanOpen(s_path);
+                            return ::WriteFile(handle, bytes, size, written, nullptr);
+                        }};
+};
+
 } // namespace test
