@@ -258,6 +258,17 @@ TEST(GetFileSize, IsZeroForWhatCannotBeOpened)
     EXPECT_EQ(GetFileSize(L""), 0);
 }
 
+TEST(GetFileSize, IsZeroForAPipeWhichHasNoEnd)
+{
+    const std::wstring name = L"\\\\.\\pipe\\kelpkit-" + std::to_wstring(::GetCurrentProcessId());
+    const HANDLE pipe = ::CreateNamedPipeW(name.c_str(), PIPE_ACCESS_OUTBOUND, PIPE_TYPE_BYTE, 1, 0, 0, 0, nullptr);
+    ASSERT_NE(pipe, INVALID_HANDLE_VALUE);
+    EXPECT_EQ(GetFileSize(name), 0);
+    EXPECT_EQ(::ConnectNamedPipe(pipe, nullptr), FALSE);
+    EXPECT_EQ(::GetLastError(), DWORD{ERROR_NO_DATA}) << "somebody has opened it, and closed it again";
+    ::CloseHandle(pipe);
+}
+
 TEST(GetFileSize, KeepsTheLow32BitsOfAFileOver2GiB)
 {
     EXPECT_EQ(SizeOfSparseFile(0x7FFFFFFFLL), 0x7FFFFFFF);
