@@ -70,8 +70,9 @@ def main():
             for place in sorted(place for place in lines if place[0] == name):
                 stream.write(f"DA:{place[1]},{lines[place]}\n")
             stream.write("end_of_record\n")
-    run = [count > 0 for count in lines.values()]
-    taken = [count > 0 for counts in branches.values() for count in counts]
+    # Threads that count at the same time may make a count too small, even negative.
+    run = [count != 0 for count in lines.values()]
+    taken = [count != 0 for counts in branches.values() for count in counts]
     print(f"coverage: {sum(run)} of {len(run)} lines ({100 * sum(run) / len(run):.1f} %), "
           f"{sum(taken)} of {len(taken)} branches ({100 * sum(taken) / len(taken):.1f} %)")
 
