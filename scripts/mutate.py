@@ -200,8 +200,8 @@ class Sources:
 
     def read(self, file):
         if file not in self.bytes:
-            self.bytes[file] = subprocess.run(["git", "show", f"HEAD:{file}"], cwd=ROOT, capture_output=True,
-                                              check=True).stdout
+            self.bytes[file] = subprocess.run(["git", "show", f"HEAD:{file}"], cwd=os.path.join(MUTANTS, "1"),
+                                              capture_output=True, check=True).stdout
         return self.bytes[file]
 
     def change(self, fault):

@@ -107,10 +107,7 @@ bool CXMLConfig::SetXMLValue(const std::wstring& key, const std::wstring& value)
     // Always made anew, so it moves to the end and loses the attributes and children that it had.
     if (tree->GoToChild(leaf, 0))
         tree->RemoveCurrent();
-    if (!tree->AddChild(leaf, Text(value)))
-        return false;
-    tree->GoToParent();
-    return tree->SaveFile(m_strFilePath.c_str());
+    return tree->AddChild(leaf, Text(value)) && tree->SaveFile(m_strFilePath.c_str());
 }
 
 void CXMLConfig::GetShellXmlUsrs(std::vector<StUsrPwd>& users)
