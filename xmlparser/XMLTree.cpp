@@ -69,7 +69,7 @@ bool XMLTree::LoadFile(const CString& path)
         Clear();
         return false;
     }
-    m_current = FirstElement(m_document);
+    m_current = FirstElement(m_document.root());
     return true;
 }
 
@@ -92,7 +92,7 @@ bool XMLTree::Parse(std::string file)
 
 bool XMLTree::SaveFile(const CString& path)
 {
-    if (!FirstElement(m_document))
+    if (!FirstElement(m_document.root()))
         return false;
     std::string text;
     text.reserve(m_text.size() + m_text.size() / 8);
@@ -165,7 +165,7 @@ bool XMLTree::GoToPath(const CString& path)
 {
     const std::string text = ToUtf8(View(path));
     std::vector<std::string_view> names = Names(text);
-    pugi::xml_node element = FirstElement(m_document);
+    pugi::xml_node element = FirstElement(m_document.root());
     if (!names.empty() && names.front() == element.name() && !ElementNamed(names.front(), element.first_child()))
         names.erase(names.begin());
     for (const std::string_view name : names)
