@@ -77,9 +77,13 @@ class Tree:
             self.wine(page, "start")
             return TIMED_OUT
 
-    def run(self, test, page, *arguments, **options):
+    def run(self, test, page, *arguments, seconds, results=None):
+        """Not 0 where a test fails. With a report, without which a program that dies may pass for one that ends well."""
         program = os.path.join(self.build_folder, "bin", test + ".exe")
-        return self.wine(page, "run", program, "--gtest_fail_fast", "--gtest_brief=1", *arguments, **options)
+        results = results or os.path.join(self.build_folder, "test-results")
+        os.makedirs(results, exist_ok=True)
+        return self.wine(page, "run", program, "--gtest_fail_fast", "--gtest_brief=1", *arguments, seconds=seconds,
+                         results=results)
 
     def build(self, tests):
         command = ["ninja", "-C", self.build_folder, "Kelpkit", "XMLParser",
@@ -117,7 +121,6 @@ class Tree:
         """It passes without a fault; how long its tests take says which are slow, and when one hangs."""
         path = os.path.join(reports, f"{test}-{page}.xml")
         if not os.path.exists(path):
-            os.makedirs(reports, exist_ok=True)
             if self.run(test, page, seconds=900, results=reports) != 0:
                 if os.path.exists(path):
                     os.remove(path)
