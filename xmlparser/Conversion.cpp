@@ -145,7 +145,7 @@ bool CanHold(const Encoding& encoding, std::wstring_view character)
                                            bytes, sizeof bytes, nullptr, nullptr);
     // Windows writes some characters as bytes that it refuses to read.
     std::wstring back;
-    if (size <= 0 || !ToUnits(codePage, {bytes, static_cast<std::size_t>(size)}, back) || back != character)
+    if (!ToUnits(codePage, {bytes, static_cast<std::size_t>(size)}, back) || back != character)
         return false;
     const auto byte = [&](int index) { return static_cast<unsigned char>(bytes[index]); };
     if (encoding.part == Encoding::Part::kGb2312)
