@@ -5,7 +5,7 @@
 namespace test
 {
 
-// How many handles this process has open; throws std::runtime_error where the system does not tell.
+// How many handles this process has open.
 std::size_t HandleCount();
 
 } // namespace test

@@ -4,6 +4,9 @@
 
 #include <windows.h>
 
+#include <cstddef>
+#include <vector>
+
 TEST(HandleCount, CountsEachHandleOfThisProcess)
 {
     const std::size_t before = test::HandleCount();
@@ -14,5 +17,20 @@ TEST(HandleCount, CountsEachHandleOfThisProcess)
     ::CloseHandle(one);
     EXPECT_EQ(test::HandleCount(), before + 1);
     ::CloseHandle(two);
+    EXPECT_EQ(test::HandleCount(), before);
+}
+
+TEST(HandleCount, CountsBehindClosedHandles)
+{
+    std::vector<HANDLE> handles(900);
+    const std::size_t before = test::HandleCount();
+    for (HANDLE& handle : handles)
+        handle = ::CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    const HANDLE last = handles.back();
+    handles.pop_back();
+    for (const HANDLE handle : handles)
+        ::CloseHandle(handle);
+    EXPECT_EQ(test::HandleCount(), before + 1);
+    ::CloseHandle(last);
     EXPECT_EQ(test::HandleCount(), before);
 }
