@@ -91,6 +91,19 @@ class Tree:
         return subprocess.run(command, env=self.environment, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
                               check=False).returncode == 0
 
+    def build_alone(self, test):
+        """Only the test program, for a fault in a header that nearly every source includes."""
+        def ninja(*arguments):
+            return subprocess.run(["ninja", "-C", self.build_folder, *arguments], env=self.environment, text=True,
+                                  capture_output=True, check=False)
+
+        folder = f"tests/CMakeFiles/{test}.dir"
+        objects = glob.glob(f"{folder}/**/*.obj", root_dir=self.build_folder, recursive=True)
+        link = ninja("-t", "commands", f"bin/{test}.exe").stdout.splitlines()[-1]
+        return ninja(*objects).returncode == 0 and subprocess.run(
+            link, shell=True, cwd=self.build_folder, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+            check=False).returncode == 0
+
     def object_hashes(self, since=0.0):
         """Of the machine code alone: without what a debugger reads, which every shifted column changes."""
         hashes = {}
@@ -157,6 +170,10 @@ class Tree:
         with open(path, "wb") as stream:
             stream.write(fault.apply(before))
         try:
+            if fault.file.startswith("mfc/") and fault.file.endswith(".h") and self.build_alone(tests[0]):
+                killer = self.first_failing([run for run in self.slow if run[0] == tests[0] and run in reached_by])
+                if killer:
+                    return "killed", killer
             if not self.build(tests):
                 return "does not compile", ""
             if all(self.objects.get(path) == value for path, value in self.object_hashes(start).items()):
@@ -184,6 +201,7 @@ class Reach:
     def __init__(self):
         self.of_line = {}
         self.of_file = collections.defaultdict(set)
+        self.of_any = {(test, page) for test in ALL_TESTS for page in CODE_PAGES}
         with open(os.path.join(ROOT, "build", "coverage", "reach.json"), encoding="utf-8") as stream:
             for file, line, runs in json.load(stream):
                 self.of_line[file, line] = {tuple(run.rsplit("-", 1)) for run in runs}
@@ -192,7 +210,7 @@ class Reach:
     def runs(self, fault):
         places = [(fault.file, line) for line in range(fault.line, fault.last_line + 1)]
         counted = [self.of_line[place] for place in places if place in self.of_line]
-        return set().union(*counted) if counted else self.of_file[fault.file]
+        return set().union(*counted) if counted else self.of_file[fault.file] or self.of_any
 
 
 class Sources:
@@ -296,13 +314,14 @@ class Trial:
                 print(f"{fault.file}:{fault.line} {fault.kind}: {word}" + (f" ({by})" if by else ""), flush=True)
 
     def judge_all(self, faults, number):
-        """The results of the first faults that compile."""
+        """The results of the first faults that compile. Those in headers come last, as much is built anew for each."""
         results = []
         trees = self.open_trees()
         with concurrent.futures.ThreadPoolExecutor(len(trees)) as pool:
             while faults and len(results) < number:
                 batch, faults = faults[:number - len(results)], faults[number - len(results):]
-                list(pool.map(self.judge, [fault for fault in batch if self.sources.key(fault) not in self.record]))
+                new = [fault for fault in batch if self.sources.key(fault) not in self.record]
+                list(pool.map(self.judge, sorted(new, key=lambda fault: fault.file.endswith(".h"))))
                 judged = [self.record[self.sources.key(fault)] for fault in batch]
                 results += [result for result in judged if result["word"] != "does not compile"]
         for tree in trees:

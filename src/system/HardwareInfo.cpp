@@ -5,6 +5,7 @@
 #include "system/DiskIdInfo.h"
 #include "system/ProcessorId.h"
 
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -28,7 +29,7 @@ const std::vector<CString>& DiskIds()
 CString CHardwareInfo::ComputerName()
 {
     wchar_t name[200] = {};
-    DWORD size = 200;
+    DWORD size = static_cast<DWORD>(std::size(name));
     return ::GetComputerNameW(name, &size) ? CString(name) : CString();
 }
 

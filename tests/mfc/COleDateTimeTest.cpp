@@ -317,6 +317,7 @@ TEST(COleDateTime, SumsOutsideOfTheYears100To9999AreInvalid)
     EXPECT_EQ(Described(COleDateTime(9999, 12, 31, 23, 59, 59) + day), "invalid");
     EXPECT_EQ(Described(COleDateTime(9999, 12, 30, 23, 59, 59) + day), "9999-12-31 23:59:59 Fri 365");
     EXPECT_EQ(Described(COleDateTime(100, 1, 1, 23, 59, 59) - day), "invalid");
+    EXPECT_EQ((COleDateTime(100, 1, 1, 0, 0, 0) - day).GetStatus(), COleDateTime::invalid);
     EXPECT_EQ(Described(COleDateTime(100, 1, 2, 23, 59, 59) - day), "0100-01-01 23:59:59 Fri 001");
 }
 #endif

@@ -80,8 +80,8 @@ const std::vector<Aliases> kAliases = {
      L"aü€",
      {"ansi_x3.4-1968", "ansi_x3.4-1986", "ascii", "cp367", "csascii", "ibm367", "iso-ir-6", "iso646-us",
       "iso_646.irv:1991", "us", "us-ascii"}},
-    {"\xFC&#x20AC;",
-     L"ü€",
+    {"\xF0&#x20AC;",
+     L"ð€",
      {"cp819", "csisolatin1", "ibm819", "iso-8859-1", "iso-ir-100", "iso8859-1", "iso88591", "iso_8859-1",
       "iso_8859-1:1987", "l1", "latin1"}},
     {"\xFC\x80&#x4E2D;", L"ü€中", {"cp1252", "windows-1252", "x-ansi", "x-cp1252"}},
@@ -102,8 +102,8 @@ const std::vector<Aliases> kAliases = {
       "ks_c_5601-1987", "ks_c_5601-1989", "ks_c_5601_1987", "ksc5601", "ksc_5601", "windows-949"}},
     {"\xF6", L"Ж", {"cskoi8r", "koi", "koi8", "koi8-r", "koi8_r", "koi8r"}},
     {"\xA4", L"є", {"koi8-ru", "koi8-u"}},
-    {"\xB1",
-     L"ą",
+    {"\xB3",
+     L"ł",
      {"csisolatin2", "iso-8859-2", "iso-ir-101", "iso8859-2", "iso88592", "iso_8859-2", "iso_8859-2:1987", "l2",
       "latin2"}},
     {"\xA1",
@@ -237,6 +237,8 @@ TEST(XMLTreeEncoding, LackingACharacterTakesAReference)
         {"windows-1252", L"€ă", "\x80&#x103;"}, // not the "a" that would fit best
         {"GB2312", L"中é😀", "\xD6\xD0\xA8\xA6&#x1F600;"},
         {"GB2312", L"镕丂€", "&#x9555;&#x4E02;&#x20AC;"}, // those are GBK's
+        {"GB2312", L"\x3000啊齄", "\xA1\xA1\xB0\xA1\xF7\xFE"},
+        {"GB2312", L"狛狜鵂", "&#x72DB;&#x72DC;&#x9D42;"}, // GBK's A0FE, AA40 and F8A0
         {"GBK", L"镕€가", "\xE9\x46&#x20AC;&#xAC00;"},
         {"Big5", L"中国", "\xA4\xA4&#x56FD;"},
         {"UTF-8", L"中😀", "\xE4\xB8\xAD\xF0\x9F\x98\x80"},

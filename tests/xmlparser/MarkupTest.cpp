@@ -4,8 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -63,29 +65,26 @@ std::wstring Unescaped(std::wstring_view text, bool isCData = false)
 
 } // namespace
 
-TEST(IsName, KnowsTheFirstAndLastCharacterOfEachRange)
+TEST(IsName, KnowsEveryCharacter)
 {
-    const struct {
+    struct Range {
         char32_t first;
         char32_t last;
         bool mayStart;
-    } ranges[] = {{'-', '.', false},       {'0', '9', false},      {':', ':', true},        {'A', 'Z', true},
-                  {'_', '_', true},        {'a', 'z', true},       {0xB7, 0xB7, false},     {0xC0, 0xD6, true},
-                  {0xD8, 0xF6, true},      {0xF8, 0x2FF, true},    {0x300, 0x36F, false},   {0x370, 0x37D, true},
-                  {0x37F, 0x1FFF, true},   {0x200C, 0x200D, true}, {0x203F, 0x2040, false}, {0x2070, 0x218F, true},
-                  {0x2C00, 0x2FEF, true},  {0x3001, 0xD7FF, true}, {0xF900, 0xFDCF, true},  {0xFDF0, 0xFFFD, true},
-                  {0x10000, 0xEFFFF, true}};
-    char32_t before = 0;
-    for (const auto& range : ranges) {
-        for (const char32_t c : {range.first, range.last}) {
-            EXPECT_EQ(IsName(Character(c)), range.mayStart) << static_cast<unsigned>(c);
-            EXPECT_TRUE(IsName(L"a" + Character(c))) << static_cast<unsigned>(c);
-        }
-        const bool touchesTheOneBefore = range.first - 1 == before;
-        EXPECT_EQ(IsName(L"a" + Character(range.first - 1)), touchesTheOneBefore) << static_cast<unsigned>(range.first);
-        before = range.last;
+    };
+    const Range ranges[] = {{'-', '.', false},       {'0', '9', false},      {':', ':', true},        {'A', 'Z', true},
+                            {'_', '_', true},        {'a', 'z', true},       {0xB7, 0xB7, false},     {0xC0, 0xD6, true},
+                            {0xD8, 0xF6, true},      {0xF8, 0x2FF, true},    {0x300, 0x36F, false},   {0x370, 0x37D, true},
+                            {0x37F, 0x1FFF, true},   {0x200C, 0x200D, true}, {0x203F, 0x2040, false}, {0x2070, 0x218F, true},
+                            {0x2C00, 0x2FEF, true},  {0x3001, 0xD7FF, true}, {0xF900, 0xFDCF, true},  {0xFDF0, 0xFFFD, true},
+                            {0x10000, 0xEFFFF, true}};
+    for (char32_t c = 0; c <= 0x10FFFF; ++c) {
+        const Range* const range = std::find_if(std::begin(ranges), std::end(ranges),
+                                                [c](const Range& each) { return c >= each.first && c <= each.last; });
+        const bool isKnown = range != std::end(ranges);
+        ASSERT_EQ(IsName(Character(c)), isKnown && range->mayStart) << static_cast<unsigned>(c);
+        ASSERT_EQ(IsName(L"a" + Character(c)), isKnown) << static_cast<unsigned>(c);
     }
-    EXPECT_FALSE(IsName(L"a" + Character(0xF0000)));
 }
 
 TEST(IsName, NeedsACharacterAndWholePairs)
