@@ -209,8 +209,9 @@ class Reach:
 
     def runs(self, fault):
         places = [(fault.file, line) for line in range(fault.line, fault.last_line + 1)]
-        counted = [self.of_line[place] for place in places if place in self.of_line]
-        return set().union(*counted) if counted else self.of_file[fault.file] or self.of_any
+        # What runs while a process ends is not counted, nor are constants in headers.
+        return (set().union(*(self.of_line.get(place, ()) for place in places)) or self.of_file[fault.file]
+                or self.of_any)
 
 
 class Sources:

@@ -169,6 +169,20 @@ TEST(CopyFolder, DestinationInsideTheSourceIsKnownWithoutAnIndex)
     ExpectCopiesNothingIntoItself();
 }
 
+TEST(CopyFolder, DestinationInsideTheSourceIsKnownWhereOneFolderTellsNoIndex)
+{
+    static bool s_tells;
+    const ImportPatch everyOther(
+        "GetFileInformationByHandle", +[](HANDLE folder, BY_HANDLE_FILE_INFORMATION* information) -> BOOL {
+            s_tells = !s_tells;
+            return s_tells ? ::GetFileInformationByHandle(folder, information) : FALSE;
+        });
+    for (const bool first : {false, true}) {
+        s_tells = first;
+        ExpectCopiesNothingIntoItself();
+    }
+}
+
 TEST(CopyFolder, DestinationInsideTheSourceIsKnownAmongFoldersOfOneIndex)
 {
     for (const SameIndex::Created created :

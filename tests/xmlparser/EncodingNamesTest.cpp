@@ -15,11 +15,11 @@ TEST(EncodingNamed, KnowsNamesAndTheirParts)
         unsigned codePage;
         Encoding::Part part;
     } cases[] = {
-        {"utf-8", Encoding::kUtf8, Encoding::Part::kAll},
-        {"us-ascii", Encoding::kUtf8, Encoding::Part::kAscii},
-        {"gb2312", Encoding::kGbk, Encoding::Part::kGb2312},
-        {"gbk", Encoding::kGbk, Encoding::Part::kAll},
-        {"gb18030", Encoding::kGb18030, Encoding::Part::kAll},
+        {"utf-8", 65001, Encoding::Part::kAll},
+        {"us-ascii", 65001, Encoding::Part::kAscii},
+        {"gb2312", 936, Encoding::Part::kGb2312},
+        {"gbk", 936, Encoding::Part::kAll},
+        {"gb18030", 54936, Encoding::Part::kAll},
         {"latin9", 28605, Encoding::Part::kAll},
         {"437", 437, Encoding::Part::kAll},
         {"x-x-big5", 950, Encoding::Part::kAll},
