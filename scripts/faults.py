@@ -39,6 +39,8 @@ STATEMENTS = {
     CursorKind.CALL_EXPR, CursorKind.BINARY_OPERATOR, CursorKind.COMPOUND_ASSIGNMENT_OPERATOR,
     CursorKind.UNARY_OPERATOR, CursorKind.UNEXPOSED_EXPR,
 }
+# Calls whose two arguments may change places.
+COMMUTATIVE = re.compile(r"_mm\d*_(and|or|xor|add|max|min|cmpeq)_|operator[=!]=")
 CONDITIONS = {CursorKind.IF_STMT, CursorKind.WHILE_STMT, CursorKind.CONDITIONAL_OPERATOR}
 
 
@@ -96,7 +98,7 @@ class Finder:
             for child in children:
                 if child.kind in STATEMENTS:
                     self.replace("statement dropped", child, "")
-        if cursor.kind == CursorKind.CALL_EXPR:
+        if cursor.kind == CursorKind.CALL_EXPR and not COMMUTATIVE.match(cursor.spelling):
             self.swap_arguments(list(cursor.get_arguments()))
 
     def turn_operator(self, cursor, children):

@@ -104,8 +104,6 @@ void Md5::Update(const char* bytes, std::size_t length)
 
 void Md5::Update(std::ifstream& stream)
 {
-    if (!stream)
-        return;
     char chunk[kChunkSize];
     do {
         stream.read(chunk, sizeof chunk);

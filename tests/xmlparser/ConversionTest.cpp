@@ -53,6 +53,12 @@ TEST(ToUtf8, TakesAnyText)
     EXPECT_EQ(xmlparser::ToUtf8(L"\xD83Dx\xDE00"), "\xEF\xBF\xBDx\xEF\xBF\xBD") << "halves of a pair";
 }
 
+TEST(ToUtf8, GivesNothingForMoreThanWindowsCanCount)
+{
+    // Nothing of it is read.
+    EXPECT_EQ(xmlparser::ToUtf8(std::wstring_view(L"", MAXINT / 3 + 1)), "");
+}
+
 TEST(ToUtf8, TakesUtf8AsItIs)
 {
     const std::string text = "a\0\xE4\xB8\xAD\xFF\xC4"s;

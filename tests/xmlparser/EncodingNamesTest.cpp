@@ -15,14 +15,10 @@ TEST(EncodingNamed, KnowsNamesAndTheirParts)
         unsigned codePage;
         Encoding::Part part;
     } cases[] = {
-        {"utf-8", 65001, Encoding::Part::kAll},
-        {"us-ascii", 65001, Encoding::Part::kAscii},
-        {"gb2312", 936, Encoding::Part::kGb2312},
-        {"gbk", 936, Encoding::Part::kAll},
-        {"gb18030", 54936, Encoding::Part::kAll},
-        {"latin9", 28605, Encoding::Part::kAll},
-        {"437", 437, Encoding::Part::kAll},
-        {"x-x-big5", 950, Encoding::Part::kAll},
+        {"utf-8", 65001, Encoding::Part::kAll},   {"us-ascii", 65001, Encoding::Part::kAscii},
+        {"gb2312", 936, Encoding::Part::kGb2312}, {"gbk", 936, Encoding::Part::kAll},
+        {"gb18030", 54936, Encoding::Part::kAll}, {"latin9", 28605, Encoding::Part::kAll},
+        {"437", 437, Encoding::Part::kAll},       {"x-x-big5", 950, Encoding::Part::kAll},
     };
     for (const auto& each : cases) {
         const auto encoding = EncodingNamed(each.name);

@@ -72,12 +72,13 @@ TEST(IsName, KnowsEveryCharacter)
         char32_t last;
         bool mayStart;
     };
-    const Range ranges[] = {{'-', '.', false},       {'0', '9', false},      {':', ':', true},        {'A', 'Z', true},
-                            {'_', '_', true},        {'a', 'z', true},       {0xB7, 0xB7, false},     {0xC0, 0xD6, true},
-                            {0xD8, 0xF6, true},      {0xF8, 0x2FF, true},    {0x300, 0x36F, false},   {0x370, 0x37D, true},
-                            {0x37F, 0x1FFF, true},   {0x200C, 0x200D, true}, {0x203F, 0x2040, false}, {0x2070, 0x218F, true},
-                            {0x2C00, 0x2FEF, true},  {0x3001, 0xD7FF, true}, {0xF900, 0xFDCF, true},  {0xFDF0, 0xFFFD, true},
-                            {0x10000, 0xEFFFF, true}};
+    const Range ranges[] = {{'-', '.', false},      {'0', '9', false},      {':', ':', true},
+                            {'A', 'Z', true},       {'_', '_', true},       {'a', 'z', true},
+                            {0xB7, 0xB7, false},    {0xC0, 0xD6, true},     {0xD8, 0xF6, true},
+                            {0xF8, 0x2FF, true},    {0x300, 0x36F, false},  {0x370, 0x37D, true},
+                            {0x37F, 0x1FFF, true},  {0x200C, 0x200D, true}, {0x203F, 0x2040, false},
+                            {0x2070, 0x218F, true}, {0x2C00, 0x2FEF, true}, {0x3001, 0xD7FF, true},
+                            {0xF900, 0xFDCF, true}, {0xFDF0, 0xFFFD, true}, {0x10000, 0xEFFFF, true}};
     for (char32_t c = 0; c <= 0x10FFFF; ++c) {
         const Range* const range = std::find_if(std::begin(ranges), std::end(ranges),
                                                 [c](const Range& each) { return c >= each.first && c <= each.last; });
@@ -137,6 +138,8 @@ TEST(Escape, MakesReferencesOfWhatXmlHasNoCharacterFor)
     EXPECT_EQ(Escape(L"\xFFFD\xFFFE\xFFFF", HoldEverything), L"\xFFFD&#xFFFE;&#xFFFF;");
     EXPECT_EQ(Escape(L"\xD7FF\xD800\xE000", HoldEverything), L"\xD7FF&#xD800;\xE000");
     EXPECT_EQ(Escape(L"\xDFFF\xDBFF", HoldEverything), L"&#xDFFF;&#xDBFF;");
+    EXPECT_EQ(Escape(L"\xDC00\xDC00", HoldEverything), L"&#xDC00;&#xDC00;");
+    EXPECT_EQ(Escape(L"\xDBFF\xDBFF", HoldEverything), L"&#xDBFF;&#xDBFF;");
     EXPECT_EQ(Escape(L"\xD83D\xD83D\xDE00", HoldEverything), L"&#xD83D;\xD83D\xDE00");
 }
 
