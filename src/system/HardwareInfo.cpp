@@ -29,7 +29,7 @@ const std::vector<CString>& DiskIds()
 CString CHardwareInfo::ComputerName()
 {
     wchar_t name[200] = {};
-    DWORD size = static_cast<DWORD>(std::size(name));
+    auto size = static_cast<DWORD>(std::size(name));
     return ::GetComputerNameW(name, &size) ? CString(name) : CString();
 }
 
