@@ -259,6 +259,14 @@ TEST_F(ChildExeTest, AddMakesItAChildAtThePlace)
     EXPECT_NE(child.HasSubWindow(), 0);
 }
 
+TEST_F(ChildExeTest, AddAsksNothingOfWindowsWithoutAWindow)
+{
+    ChildExe child;
+    const Adoption adoption(HostHandle(), nullptr);
+    EXPECT_FALSE(child.AddSubWindow(kPlace));
+    EXPECT_EQ(Adoption::Calls(), std::vector<std::string>());
+}
+
 TEST_F(ChildExeTest, AddCallsInItsOrder)
 {
     ChildExe child;

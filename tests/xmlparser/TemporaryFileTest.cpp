@@ -20,7 +20,7 @@ namespace
 {
 
 // Of a process that is not there.
-constexpr const wchar_t* kLeftover = L".4294967292-4.saving";
+constexpr const wchar_t* kLeftover = L".4294967292-1239.saving";
 
 } // namespace
 
@@ -46,7 +46,7 @@ TEST(Leftovers, AreRemovedOfThisFileAndOfProcessesThatAreGone)
     const std::wstring mine = TemporaryName(path);
     const std::wstring others = folder / L"file.xml.bak" + kLeftover;
     const std::wstring odd = folder / L"file.xml.04294967292-4.saving";
-    for (const std::wstring& name : {path, path + kLeftover, path + L".4294967288-7.saving", mine, others, odd})
+    for (const std::wstring& name : {path, path + kLeftover, path + L".4294967288-90.saving", mine, others, odd})
         test::WriteFileBytes(name, "x");
     RemoveLeftovers(path);
     for (const std::wstring& name : {path, mine, others, odd})
