@@ -286,3 +286,21 @@ TEST(GetFileMD5, DigestsAFileOf5GiB)
     test::MakeSparseFile(folder / L"big", 5LL << 30);
     EXPECT_EQ(GetFileMD5(folder / L"big"), L"ec4bcc8776ea04479b786e063a9ace45");
 }
+
+// As applications have it whose headers declare the input without const.
+namespace KELPKIT
+{
+
+KELPKIT_API bool BuildMd5Code(std::string& input, std::string& output);
+
+} // namespace KELPKIT
+
+TEST(BuildMd5Code, TakesAnInputWithoutConst)
+{
+    bool (*const build)(std::string&, std::string&) = &BuildMd5Code;
+    std::string input = "abc";
+    std::string digest;
+    EXPECT_TRUE(build(input, digest));
+    EXPECT_EQ(digest, "900150983cd24fb0d6963f7d28e17f72");
+    EXPECT_EQ(input, "abc");
+}

@@ -31,6 +31,17 @@ TEST(XMLTreeLoad, IsEmptyAfterAFailedLoad)
     EXPECT_EQ(file.Bytes(), "<a>");
 }
 
+TEST(XMLTreeLoad, ForgetsTheEncodingWhereItFails)
+{
+    const TreeFile file(R"(<?xml version="1.0" encoding="GBK"?><a/>)");
+    const IXMLTreePtr tree = file.Tree();
+    file.Write("<a>");
+    EXPECT_FALSE(tree->LoadFile(file.Path()));
+    EXPECT_TRUE(tree->AddChild(L"b", L"\x20AC"));
+    EXPECT_TRUE(tree->SaveFile(file.Path()));
+    EXPECT_EQ(file.Bytes(), "<b>\xE2\x82\xAC</b>");
+}
+
 TEST(XMLTreeLoad, LeavesErrorsInUtf8AsTheyAre)
 {
     const TreeFile file("<r>\xC4\xE3x\xFFy<a/></r>");
