@@ -137,6 +137,7 @@ TEST(Escape, MakesReferencesOfWhatXmlHasNoCharacterFor)
     EXPECT_EQ(Escape(L"\r\n", HoldEverything), L"&#xD;\n");
     EXPECT_EQ(Escape(L"\xFFFD\xFFFE\xFFFF", HoldEverything), L"\xFFFD&#xFFFE;&#xFFFF;");
     EXPECT_EQ(Escape(L"\xD7FF\xD800\xE000", HoldEverything), L"\xD7FF&#xD800;\xE000");
+    EXPECT_EQ(Escape(L"\xD7FF\xDFFE", HoldEverything), L"\xD7FF&#xDFFE;");
     EXPECT_EQ(Escape(L"\xDFFF\xDBFF", HoldEverything), L"&#xDFFF;&#xDBFF;");
     EXPECT_EQ(Escape(L"\xDC00\xDC00", HoldEverything), L"&#xDC00;&#xDC00;");
     EXPECT_EQ(Escape(L"\xDBFF\xDBFF", HoldEverything), L"&#xDBFF;&#xDBFF;");
