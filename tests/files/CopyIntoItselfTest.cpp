@@ -151,6 +151,22 @@ TEST(CopyFolder, CopiesSubfoldersThatAreMadeAtTheTimeOfTheDestination)
     }
 }
 
+TEST(CopyFolder, CopiesSubfoldersWhoseIndexDiffersInTheHighestBit)
+{
+    const ImportPatch noPath(
+        "GetFinalPathNameByHandleW", +[](HANDLE, wchar_t*, DWORD, DWORD) { return DWORD{0}; });
+    const ImportPatch oneBit(
+        "GetFileInformationByHandle", +[](HANDLE folder, BY_HANDLE_FILE_INFORMATION* information) -> BOOL {
+            wchar_t path[MAX_PATH] = {};
+            ::GetFinalPathNameByHandleW(folder, path, MAX_PATH, VOLUME_NAME_NT);
+            const bool isDestination = std::wstring(path).find(L"\\dst") != std::wstring::npos;
+            *information = {};
+            information->nFileIndexHigh = isDestination ? 0x80000007 : 7;
+            return TRUE;
+        });
+    ExpectCopiesSubfolders();
+}
+
 TEST(CopyFolder, DestinationInsideTheSourceIsKnownByItsIndex)
 {
     const ImportPatch noPath(
@@ -166,6 +182,16 @@ TEST(CopyFolder, DestinationInsideTheSourceIsKnownWithoutAnIndex)
     }
     const ImportPatch noInformation(
         "GetFileInformationByHandle", +[](HANDLE, BY_HANDLE_FILE_INFORMATION*) { return FALSE; });
+    ExpectCopiesNothingIntoItself();
+}
+
+TEST(CopyFolder, DestinationInsideTheSourceIsKnownOnAVolumeWithoutALetter)
+{
+    const SameIndex none(0);
+    const ImportPatch deviceOnly(
+        "GetFinalPathNameByHandleW", +[](HANDLE folder, wchar_t* path, DWORD size, DWORD form) -> DWORD {
+            return (form & VOLUME_NAME_NT) != 0 ? ::GetFinalPathNameByHandleW(folder, path, size, form) : 0;
+        });
     ExpectCopiesNothingIntoItself();
 }
 

@@ -8,6 +8,7 @@
 
 #include <windows.h>
 
+#include <cmath>
 #include <ctime>
 #include <limits>
 #include <string>
@@ -107,6 +108,13 @@ TEST(COleDateTime, IsInvalidOfPartsThatThePlatformChanges)
     EXPECT_EQ(Described(COleDateTime(50, 1, 1, 0, 0, 0)), "invalid") << "two digits mean a later century";
     EXPECT_EQ(Described(COleDateTime(10000, 1, 1, 0, 0, 0)), "invalid");
     EXPECT_EQ(Described(COleDateTime(-1, -1, -1, -1, -1, -1)), "invalid");
+    EXPECT_EQ(Described(COleDateTime(2024, -1, 1, 0, 0, 0)), "invalid");
+    EXPECT_EQ(Described(COleDateTime(2024, 1, -1, 0, 0, 0)), "invalid");
+}
+
+TEST(COleDateTime, TakesNegativeHoursMinutesAndSecondsForZero)
+{
+    EXPECT_EQ(Described(COleDateTime(2024, 1, 1, -1, -2, -3)), "2024-01-01 00:00:00 Mon 001");
 }
 
 TEST(COleDateTime, CanBeSetAnew)
@@ -271,6 +279,13 @@ TEST(COleDateTime, TimeGoesOnAcross1899December30)
         EXPECT_EQ((expected - start).GetTotalHours(), hour);
         EXPECT_EQ(expected - COleDateTimeSpan(0, hour, 0, 0), start) << hour;
     }
+}
+
+TEST(COleDateTime, CountsHalfASecondUpwardsBefore1899December30)
+{
+    constexpr double kHalfSecond = 0.5 / 86400;
+    EXPECT_GT((COleDateTime(-kHalfSecond) - COleDateTime(0.0)).m_span, 0);
+    EXPECT_LT((COleDateTime(std::nextafter(-kHalfSecond, 0)) - COleDateTime(0.0)).m_span, 0) << "an error of rounding";
 }
 
 TEST(COleDateTime, KeepsWhatItIsAddedTo)
