@@ -259,11 +259,12 @@ TEST_F(ChildExeTest, AddMakesItAChildAtThePlace)
     EXPECT_NE(child.HasSubWindow(), 0);
 }
 
-TEST_F(ChildExeTest, AddAsksNothingOfWindowsWithoutAWindow)
+TEST_F(ChildExeTest, AddAndMoveAskNothingOfWindowsWithoutAWindow)
 {
     ChildExe child;
     const Adoption adoption(HostHandle(), nullptr);
     EXPECT_FALSE(child.AddSubWindow(kPlace));
+    EXPECT_EQ(child.MoveSubWindow(kPlace), 0);
     EXPECT_EQ(Adoption::Calls(), std::vector<std::string>());
 }
 
