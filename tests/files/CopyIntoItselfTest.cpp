@@ -153,14 +153,13 @@ TEST(CopyFolder, CopiesSubfoldersThatAreMadeAtTheTimeOfTheDestination)
 
 TEST(CopyFolder, CopiesSubfoldersWhoseIndexDiffersInTheHighestBit)
 {
-    const ImportPatch noPath(
-        "GetFinalPathNameByHandleW", +[](HANDLE, wchar_t*, DWORD, DWORD) { return DWORD{0}; });
     const ImportPatch oneBit(
         "GetFileInformationByHandle", +[](HANDLE folder, BY_HANDLE_FILE_INFORMATION* information) -> BOOL {
             wchar_t path[MAX_PATH] = {};
             ::GetFinalPathNameByHandleW(folder, path, MAX_PATH, VOLUME_NAME_NT);
             const bool isDestination = std::wstring(path).find(L"\\dst") != std::wstring::npos;
             *information = {};
+            information->ftCreationTime = {7, 7};
             information->nFileIndexHigh = isDestination ? 0x80000007 : 7;
             return TRUE;
         });

@@ -58,6 +58,17 @@ TEST(CFileFind, FindsNothingThatIsMissing)
     EXPECT_STREQ(finder.GetFileName(), L"");
 }
 
+TEST(CFileFind, FindsAllThatIsInTheCurrentFolderUnlessToldWhat)
+{
+    CFileFind finder;
+    ASSERT_TRUE(finder.FindFile(nullptr));
+    finder.FindNextFile();
+    const CString first = finder.GetFileName();
+    ASSERT_TRUE(finder.FindFile(L"*.*"));
+    finder.FindNextFile();
+    EXPECT_STREQ(finder.GetFileName(), first);
+}
+
 TEST(CFileFind, LetsGoOfTheFolder)
 {
     const TempFolder folder;
