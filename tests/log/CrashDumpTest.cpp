@@ -235,6 +235,9 @@ TEST_P(EachRuntimeEnd, LeavesADumpOrNoneAndTheExitCode)
     }
     const MiniDump dump = TheDump();
     EXPECT_EQ(dump.exception.code, end.dumpCode);
+    if (end.dumpCode == kTermination) {
+        EXPECT_EQ(dump.exception.flags, EXCEPTION_NONCONTINUABLE);
+    }
     ExpectThreadWithItsStack(dump, dump.exception.threadId, dump.exception.stackPointer);
     const bool inSecondThread = std::wcsstr(end.arguments, L"thread") != nullptr;
     EXPECT_EQ(dump.exception.threadId != Records().at(0).threadId, inSecondThread);

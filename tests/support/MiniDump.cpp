@@ -109,6 +109,7 @@ MiniDump::Exception ReadException(const Bytes& bytes)
     const auto context = bytes.Read<CONTEXT>(stream.ThreadContext.Rva);
     return {stream.ThreadId,
             record.ExceptionCode,
+            record.ExceptionFlags,
             record.ExceptionAddress,
             {record.ExceptionInformation, record.ExceptionInformation + record.NumberParameters},
             context.Rip,

@@ -27,6 +27,7 @@ struct MiniDump {
     struct Exception {
         std::uint32_t threadId;
         std::uint32_t code;
+        std::uint32_t flags;
         std::uint64_t address;
         std::vector<std::uint64_t> parameters;
         // Of the thread, when the exception was raised.

@@ -31,6 +31,7 @@ void WriteDump(const std::wstring& path, std::uint32_t code)
     ::RtlCaptureContext(&context);
     EXCEPTION_RECORD record = {};
     record.ExceptionCode = code;
+    record.ExceptionFlags = EXCEPTION_NONCONTINUABLE;
     record.ExceptionAddress = reinterpret_cast<void*>(&WriteDump);
     record.NumberParameters = 2;
     record.ExceptionInformation[0] = 7;
@@ -53,6 +54,7 @@ TEST(MiniDump, SaysWhatWasWritten)
     WriteDump(folder / L"a.dmp", 0xE0004321);
     const MiniDump dump(folder / L"a.dmp");
     EXPECT_EQ(dump.exception.code, 0xE0004321);
+    EXPECT_EQ(dump.exception.flags, EXCEPTION_NONCONTINUABLE);
     EXPECT_EQ(dump.exception.threadId, ::GetCurrentThreadId());
     EXPECT_EQ(dump.exception.address, reinterpret_cast<std::uintptr_t>(&WriteDump));
     EXPECT_EQ(dump.exception.parameters, (std::vector<std::uint64_t>{7, 8}));
