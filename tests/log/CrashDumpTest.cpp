@@ -283,8 +283,9 @@ INSTANTIATE_TEST_SUITE_P(
         RuntimeEnd{L"throw returning", 3, kTermination}, RuntimeEnd{L"throw chained", 3, kTermination},
         // 98: a filter that was set later was called.
         RuntimeEnd{L"throw later", 98, 0}, RuntimeEnd{L"throw handler later", 97, 0},
-        RuntimeEnd{L"abort abort-handler", 95, 0}, RuntimeEnd{L"pure", kAccessViolation, kAccessViolation},
-        RuntimeEnd{L"parameter", 0, 0}, RuntimeEnd{L"parameter raising", 0, 0}),
+        RuntimeEnd{L"throw returning raising later", 98, 0}, RuntimeEnd{L"abort abort-handler", 95, 0},
+        RuntimeEnd{L"pure", kAccessViolation, kAccessViolation}, RuntimeEnd{L"parameter", 0, 0},
+        RuntimeEnd{L"parameter raising", 0, 0}),
     &EndName);
 #endif
 

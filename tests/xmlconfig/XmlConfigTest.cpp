@@ -38,7 +38,34 @@ protected:
     CXMLConfig m_config{m_path};
 };
 
+// What the public operations rest on is private, and tells what they do not.
+using GetValue = bool (CXMLConfig::*)(const std::wstring&, std::wstring&);
+
+GetValue PrivateGetValue();
+
+template <GetValue value>
+struct Opened {
+    friend GetValue PrivateGetValue() { return value; }
+};
+
+template struct Opened<&CXMLConfig::GetXMLValue>;
+
 } // namespace
+
+TEST_F(XmlConfig, SaysWhetherAValueIsThere)
+{
+    Write("<c><a>1</a><b/></c>");
+    std::wstring value = L"before";
+    EXPECT_TRUE((m_config.*PrivateGetValue())(L"a", value));
+    EXPECT_EQ(value, L"1");
+    EXPECT_TRUE((m_config.*PrivateGetValue())(L"b", value));
+    EXPECT_EQ(value, L"");
+    value = L"before";
+    EXPECT_FALSE((m_config.*PrivateGetValue())(L"d", value));
+    EXPECT_EQ(value, L"");
+    CXMLConfig missing(m_folder / L"missing.xml");
+    EXPECT_FALSE((missing.*PrivateGetValue())(L"a", value));
+}
 
 TEST_F(XmlConfig, AddsANewLeafAtTheEndOfItsParent)
 {
