@@ -32,7 +32,7 @@ namespace
 
 constexpr std::uint32_t kAccessViolation = 0xC0000005;
 constexpr std::uint32_t kOwnException = 0xE0001234;
-constexpr std::uint32_t kRaised = 0xE0000001; // by Crasher's handlers of the C runtime
+constexpr std::uint32_t kRaised = 0xE0000001;      // by Crasher's handlers of the C runtime
 constexpr std::uint32_t kTermination = 0xE06B656C; // of mingw's build
 #if defined(_MSC_VER)
 constexpr std::uint32_t kCppException = 0xE06D7363;
