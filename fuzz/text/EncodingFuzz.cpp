@@ -52,14 +52,16 @@ std::optional<Result> Converted(const utf8::Blocks& blocks, const Text& text, co
 // With the registers of each kind of processor.
 void ExpectAlike(const std::string& text, const std::wstring& wide)
 {
-    if (!KELPKIT::processor::HasAvx2())
-        return;
     const auto units = Converted<std::wstring>(utf8::kNoBlocks, text, utf8::Decode);
-    Expect(Converted<std::wstring>(utf8::kAvx2Blocks, text, utf8::Decode) == units, "every processor decodes alike");
-    Expect(!units || *units == wide, "as the system does");
+    Expect(!units || *units == wide, "decoded as the system does");
     const auto bytes = Converted<std::string>(utf8::kNoBlocks, wide, utf8::Encode);
-    Expect(Converted<std::string>(utf8::kAvx2Blocks, wide, utf8::Encode) == bytes, "every processor encodes alike");
-    Expect(!units || bytes == text, "to what was decoded");
+    Expect(!units || bytes == text, "and encoded to what was decoded");
+    for (const auto& [needed, blocks] : utf8::kWays) {
+        if (needed > KELPKIT::processor::Best())
+            continue;
+        Expect(Converted<std::wstring>(blocks, text, utf8::Decode) == units, "every processor decodes alike");
+        Expect(Converted<std::string>(blocks, wide, utf8::Encode) == bytes, "and encodes alike");
+    }
 }
 
 } // namespace

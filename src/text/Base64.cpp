@@ -1,7 +1,6 @@
 #include "Kelpkit/Text.h"
 
 #include "text/Base64Codec.h"
-#include "text/Processor.h"
 
 #include <algorithm>
 #include <climits>
@@ -14,14 +13,7 @@ namespace KELPKIT
 namespace
 {
 
-const base64::Blocks& FastestBlocks()
-{
-    if (processor::HasAvx512())
-        return base64::kAvx512Blocks;
-    return processor::HasAvx2() ? base64::kAvx2Blocks : base64::kNoBlocks;
-}
-
-const base64::Blocks& g_blocks = FastestBlocks();
+const base64::Blocks& g_blocks = processor::Fastest(base64::kWays).blocks;
 
 std::string EncodeBytes(std::string_view data)
 {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "text/Processor.h"
+
 #include <cstddef>
 #include <string_view>
 
@@ -25,6 +27,15 @@ extern const Blocks kNoBlocks;
 extern const Blocks kAvx2Blocks;
 extern const Blocks kAvx512Blocks;
 
+struct Way {
+    processor::Registers needed;
+    const Blocks& blocks;
+};
+
+constexpr Way kWays[] = {{processor::Registers::kSse2, kNoBlocks},
+                         {processor::Registers::kAvx2, kAvx2Blocks},
+                         {processor::Registers::kAvx512, kAvx512Blocks}};
+
 // Encodes data to out, which has "=" in each of its EncodedSize places.
 void Encode(const Blocks& blocks, std::string_view data, char* out);
 
@@ -41,7 +52,7 @@ constexpr std::size_t EncodedSize(std::size_t length)
 // What may stand between quanta.
 constexpr bool IsSkipped(char c)
 {
-    return c == '\r' || c == '\n' || c == '\1' || c == '\2';
+    return static_cast<unsigned char>(c) < 14 && (0x2406U >> c & 1) != 0;
 }
 
 } // namespace KELPKIT::base64

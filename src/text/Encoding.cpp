@@ -2,7 +2,6 @@
 
 #include "WindowsApi.h"
 #include "text/Blocks.h"
-#include "text/Processor.h"
 #include "text/Utf8.h"
 
 #include <algorithm>
@@ -22,7 +21,7 @@ constexpr std::size_t kPieceUnits = 1024;
 // No code page that can be the ANSI one, UTF-8 among them, writes more bytes than this for one UTF-16 unit.
 constexpr std::size_t kMostBytesPerUnit = 3;
 
-const utf8::Blocks& g_utf8Blocks = processor::HasAvx2() ? utf8::kAvx2Blocks : utf8::kNoBlocks;
+const utf8::Blocks& g_utf8Blocks = processor::Fastest(utf8::kWays).blocks;
 
 // The platform counts in int, with the terminator: a result that it cannot count is refused.
 template <class Text>

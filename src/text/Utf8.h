@@ -2,6 +2,8 @@
 
 // UTF-8 and UTF-16 (the Unicode Standard, chapter 3), for well-formed text without zero characters.
 
+#include "text/Processor.h"
+
 #include <cstddef>
 
 namespace KELPKIT::utf8
@@ -13,18 +15,24 @@ constexpr std::ptrdiff_t kLeastRoom = 160;
 // The work on many characters at a time, with the registers that one kind of processor has.
 struct Blocks {
     // Converts what the text starts with, in whole characters and while there is room, as far as it goes: it stops at
-    // zeros, at what is not well-formed, at what takes surrogates, and short of the end. Moves its first and its third
-    // argument; what lies in the output behind the latter may be overwritten.
+    // zeros, at what is not well-formed, and may stop anywhere. Moves its first and its third argument; what lies in the
+    // output behind the latter may be overwritten.
     void (*decode)(const char*& in, const char* end, wchar_t*& out, const wchar_t* outEnd);
     void (*encode)(const wchar_t*& in, const wchar_t* end, char*& out, const char* outEnd);
 };
 
-// They leave less text than this alone.
-template <class From>
-constexpr std::ptrdiff_t kLeastText = sizeof(From) == 1 ? 34 : 16;
-
 extern const Blocks kNoBlocks;
 extern const Blocks kAvx2Blocks;
+extern const Blocks kAvx512Blocks;
+
+struct Way {
+    processor::Registers needed;
+    const Blocks& blocks;
+};
+
+constexpr Way kWays[] = {{processor::Registers::kSse2, kNoBlocks},
+                         {processor::Registers::kAvx2, kAvx2Blocks},
+                         {processor::Registers::kAvx512Vbmi2, kAvx512Blocks}};
 
 // The number of UTF-16 units in the decoded text.
 std::size_t DecodedLength(const char* text, std::size_t length);

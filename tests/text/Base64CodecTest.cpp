@@ -1,12 +1,11 @@
 #include "text/Base64Codec.h"
 #include "support/GuardedBuffer.h"
 #include "text/Base64Model.h"
-#include "text/Processor.h"
+#include "text/WayName.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <ostream>
 #include <string>
 
 using namespace KELPKIT;
@@ -17,29 +16,12 @@ using test::ModelEncode;
 namespace
 {
 
-struct Way {
-    const char* name;
-    const base64::Blocks& blocks;
-    bool (*isThere)();
-};
-
-std::ostream& operator<<(std::ostream& stream, const Way& way)
-{
-    return stream << way.name;
-}
-
-const Way kWays[] = {
-    {"None", base64::kNoBlocks, [] { return true; }},
-    {"Avx2", base64::kAvx2Blocks, processor::HasAvx2},
-    {"Avx512", base64::kAvx512Blocks, processor::HasAvx512},
-};
-
-class Base64Codec : public testing::TestWithParam<Way>
+class Base64Codec : public testing::TestWithParam<base64::Way>
 {
 protected:
     void SetUp() override
     {
-        if (!GetParam().isThere())
+        if (GetParam().needed > processor::Best())
             GTEST_SKIP() << "this processor lacks it";
     }
 
@@ -89,8 +71,7 @@ private:
     GuardedBuffer m_out{1024};
 };
 
-INSTANTIATE_TEST_SUITE_P(Ways, Base64Codec, testing::ValuesIn(kWays),
-                         [](const auto& way) { return std::string(way.param.name); });
+INSTANTIATE_TEST_SUITE_P(Ways, Base64Codec, testing::ValuesIn(base64::kWays), test::WayName<base64::Way>);
 
 } // namespace
 

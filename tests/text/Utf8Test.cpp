@@ -1,14 +1,13 @@
 #include "text/Utf8.h"
 #include "support/GuardedBuffer.h"
 #include "support/Random.h"
-#include "text/Processor.h"
+#include "text/WayName.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <iterator>
 #include <optional>
-#include <ostream>
 #include <stdexcept>
 #include <string>
 
@@ -77,28 +76,12 @@ std::optional<std::string> ModelEncode(const std::wstring& text)
     return bytes;
 }
 
-struct Way {
-    const char* name;
-    const utf8::Blocks& blocks;
-    bool (*isThere)();
-};
-
-std::ostream& operator<<(std::ostream& stream, const Way& way)
-{
-    return stream << way.name;
-}
-
-const Way kWays[] = {
-    {"None", utf8::kNoBlocks, [] { return true; }},
-    {"Avx2", utf8::kAvx2Blocks, processor::HasAvx2},
-};
-
-class Utf8 : public testing::TestWithParam<Way>
+class Utf8 : public testing::TestWithParam<utf8::Way>
 {
 protected:
     void SetUp() override
     {
-        if (!GetParam().isThere())
+        if (GetParam().needed > processor::Best())
             GTEST_SKIP() << "this processor lacks it";
     }
 
@@ -166,8 +149,7 @@ private:
     GuardedBuffer m_out{4096};
 };
 
-INSTANTIATE_TEST_SUITE_P(Ways, Utf8, testing::ValuesIn(kWays),
-                         [](const auto& way) { return std::string(way.param.name); });
+INSTANTIATE_TEST_SUITE_P(Ways, Utf8, testing::ValuesIn(utf8::kWays), test::WayName<utf8::Way>);
 
 // One to four bytes, the lowest and the highest of each kind, and some between.
 const std::wstring kCharacters[] = {
@@ -340,29 +322,29 @@ TEST_P(Utf8, DamagedTextsAreDecodedAndEncodedAsTheModelDoes)
     }
 }
 
-TEST(Utf8Avx2Blocks, ConvertWhatIsWellFormedUpToTheEnd)
+TEST_P(Utf8, RegistersOfMoreThan128BitsConvertAllThatIsWellFormed)
 {
-    if (!processor::HasAvx2())
-        GTEST_SKIP() << "this processor lacks it";
+    if (GetParam().needed == processor::Registers::kSse2)
+        GTEST_SKIP() << "it has the blocks convert ASCII only";
     Random random(4);
     for (int round = 0; round < 1000; ++round) {
-        const std::wstring wide = random.Mixture(1 + random.Below(300), false);
+        const std::wstring wide = random.Mixture(random.Below(300));
         const std::string narrow = *ModelEncode(wide);
 
-        std::string bytes(3 * wide.size() + 64, '\0');
+        std::string bytes(narrow.size() + utf8::kLeastRoom, '\0');
         const wchar_t* fromWide = wide.data();
         char* toBytes = bytes.data();
-        utf8::kAvx2Blocks.encode(fromWide, wide.data() + wide.size(), toBytes, bytes.data() + bytes.size());
-        ASSERT_LT(wide.data() + wide.size() - fromWide, utf8::kLeastText<wchar_t>);
+        GetParam().blocks.encode(fromWide, wide.data() + wide.size(), toBytes, bytes.data() + bytes.size());
         bytes.resize(static_cast<std::size_t>(toBytes - bytes.data()));
-        ASSERT_EQ(bytes, narrow.substr(0, bytes.size()));
+        ASSERT_EQ(bytes, narrow);
+        ASSERT_EQ(fromWide, wide.data() + wide.size());
 
-        std::wstring units(narrow.size() + 32, L'\0');
+        std::wstring units(wide.size() + utf8::kLeastRoom, L'\0');
         const char* fromNarrow = narrow.data();
         wchar_t* toUnits = units.data();
-        utf8::kAvx2Blocks.decode(fromNarrow, narrow.data() + narrow.size(), toUnits, units.data() + units.size());
-        ASSERT_LT(narrow.data() + narrow.size() - fromNarrow, utf8::kLeastText<char>);
+        GetParam().blocks.decode(fromNarrow, narrow.data() + narrow.size(), toUnits, units.data() + units.size());
         units.resize(static_cast<std::size_t>(toUnits - units.data()));
-        ASSERT_EQ(units, wide.substr(0, units.size()));
+        ASSERT_EQ(units, wide);
+        ASSERT_EQ(fromNarrow, narrow.data() + narrow.size());
     }
 }
