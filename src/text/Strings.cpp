@@ -3,6 +3,7 @@
 #include "text/Blocks.h"
 
 #include <cstddef>
+#include <iterator>
 #include <string_view>
 
 namespace KELPKIT
@@ -41,9 +42,13 @@ template <class Char>
 class Appender
 {
 public:
+    static constexpr std::size_t kRoom = 1024;
+    static constexpr std::size_t kFew = 16 / sizeof(Char); // what a register holds
+
     explicit Appender(std::basic_string<Char>& text) : m_text(text) {}
 
-    void Append(View<Char> piece)
+    // Up to `end`, what lies behind the piece may be read.
+    void Append(View<Char> piece, const Char* end)
     {
         if (piece.size() > kRoom - m_used)
             Flush();
@@ -51,14 +56,12 @@ public:
             m_text.append(piece);
             return;
         }
-        Char* to = m_buffer + m_used;
+        Char* const to = m_buffer + m_used;
         m_used += piece.size();
-        if (piece.size() > kFew) {
+        if (piece.size() <= kFew && static_cast<std::size_t>(end - piece.data()) >= kFew)
+            blocks::Store(to, blocks::Load(piece.data()));
+        else
             piece.copy(to, piece.size());
-            return;
-        }
-        for (const Char c : piece)
-            *to++ = c;
     }
 
     void Flush()
@@ -68,32 +71,42 @@ public:
     }
 
 private:
-    static constexpr std::size_t kRoom = 1024;
-    static constexpr std::size_t kFew = 8;
-
     std::basic_string<Char>& m_text;
     std::size_t m_used = 0;
-    Char m_buffer[kRoom];
+    Char m_buffer[kRoom + kFew];
 };
 
 template <class Char>
 void ReplaceIntoCopy(std::basic_string<Char>& text, View<Char> pattern, View<Char> replacement)
 {
     const View<Char> source = text;
-    std::size_t hits = 0;
-    blocks::ForEachHit(source, pattern, [&hits](std::size_t) { ++hits; });
-    if (hits == 0)
-        return;
+    const Char* const end = source.data() + source.size();
     std::basic_string<Char> result;
-    result.reserve(source.size() + hits * (replacement.size() - pattern.size()));
+    // A shorter text fits the appender, and takes its room when all is known.
+    if (source.size() > Appender<Char>::kRoom) {
+        std::size_t hits = 0;
+        blocks::ForEachHit(source, pattern, [&hits](std::size_t) { ++hits; });
+        if (hits == 0)
+            return;
+        result.reserve(source.size() + hits * (replacement.size() - pattern.size()));
+    }
+    Char few[Appender<Char>::kFew] = {};
+    const Char* replacementEnd = replacement.data() + replacement.size();
+    if (replacement.size() < std::size(few)) {
+        replacement.copy(few, std::size(few));
+        replacement = {few, replacement.size()};
+        replacementEnd = std::end(few);
+    }
     Appender<Char> appender(result);
     std::size_t read = 0;
     blocks::ForEachHit(source, pattern, [&](std::size_t hit) {
-        appender.Append(source.substr(read, hit - read));
-        appender.Append(replacement);
+        appender.Append(source.substr(read, hit - read), end);
+        appender.Append(replacement, replacementEnd);
         read = hit + pattern.size();
     });
-    appender.Append(source.substr(read));
+    if (read == 0)
+        return;
+    appender.Append(source.substr(read), end);
     appender.Flush();
     text = std::move(result);
 }
@@ -180,8 +193,8 @@ std::wstring& StringRtrim(std::wstring& text, wchar_t c)
 
 std::wstring& StringTrim(std::wstring& text, wchar_t c)
 {
-    StringLtrim(text, c);
-    return StringRtrim(text, c);
+    StringRtrim(text, c);
+    return StringLtrim(text, c);
 }
 
 void StringReplace(std::string& text, const std::string& pattern, const std::string& replacement)
