@@ -23,18 +23,12 @@ const Type& Keep(Type data)
     return kept.emplace_back(std::move(data));
 }
 
-// Has a group of benchmarks run, whose names are "group|who".
-void AddGroup(const std::string& group);
-
-// One operation at one size. Kelpkit and its peers do it with the same data, in turn. Work is a callable that returns
-// what it made, so that the compiler cannot leave it out.
+// One operation at one size. Kelpkit and its peers do it with the same data, as benchmarks that are named
+// "operation|size|who". Work is a callable that returns what it made, so that the compiler cannot leave it out.
 class Comparison
 {
 public:
-    Comparison(const std::string& operation, const std::string& size) : m_group(operation + '|' + size)
-    {
-        AddGroup(m_group);
-    }
+    Comparison(const std::string& operation, const std::string& size) : m_group(operation + '|' + size) {}
 
     template <class Work>
     Comparison& Kelpkit(Work work)
@@ -130,7 +124,6 @@ void Growth(const std::string& operation, MakeWork makeWork, std::size_t first =
 {
     for (const std::size_t size : {first, 10 * first, 100 * first, 1000 * first}) {
         const std::string group = operation + '|' + std::to_string(size);
-        AddGroup(group);
         const auto run = [work = makeWork(size), size](benchmark::State& state) {
             state.counters["size"] = static_cast<double>(size);
             state.counters["peak"] = static_cast<double>(AllocationPeak([&work] { benchmark::DoNotOptimize(work()); }));

@@ -9,6 +9,7 @@ import math
 import pathlib
 import statistics
 import sys
+from typing import NamedTuple
 
 import matplotlib
 
@@ -16,10 +17,16 @@ matplotlib.use("svg")
 matplotlib.rcParams["svg.fonttype"] = "none"
 matplotlib.rcParams["svg.hashsalt"] = "kelpkit"
 from matplotlib import pyplot  # noqa: E402: the backend is chosen first
+from matplotlib.lines import Line2D  # noqa: E402
+from matplotlib.patches import Patch  # noqa: E402
+
+MET = "#2a7f9e"
+MISSED = "#d98032"
+GOAL = "#c0392b"
 
 
 def read_runs(folder):
-    """The documents' runs as {(operation, size): {who: [run, ...]}}, and the context of the first one."""
+    """The documents' runs as {(program, operation, size): {who: [run, ...]}}, and the context of the first one."""
     groups = {}
     context = None
     for path in sorted(folder.glob("*.json")):
@@ -28,7 +35,7 @@ def read_runs(folder):
         for run in document["benchmarks"]:
             if run["run_type"] == "iteration":
                 operation, size, who = run["run_name"].rpartition("/")[0].split("|")
-                groups.setdefault((operation, size), {}).setdefault(who, []).append(run)
+                groups.setdefault((path.stem, operation, size), {}).setdefault(who, []).append(run)
     return groups, context
 
 
@@ -44,33 +51,51 @@ def duration(ns):
     return f"{ns:.3g} ns"
 
 
+class Row(NamedTuple):
+    """Kelpkit beside one peer: medians of the rounds in nanoseconds, and the most that their ratio may be, or 0."""
+
+    program: str
+    operation: str
+    size: str
+    own: float
+    peer: str
+    others: float
+    goal: float
+
+    @property
+    def ratio(self):
+        return self.own / self.others
+
+    @property
+    def is_met(self):
+        return self.ratio <= self.goal
+
+
 def comparisons(groups):
-    """Rows of (operation, size, Kelpkit's ns, peer, peer's ns, goal or 0), from the medians of the rounds."""
-    for (operation, size), contenders in groups.items():
+    for (program, operation, size), contenders in groups.items():
         if "Kelpkit" not in contenders:
             continue
         own = nanoseconds(contenders["Kelpkit"])
-        for who, runs in contenders.items():
-            if who != "Kelpkit":
-                yield operation, size, own, who, nanoseconds(runs), runs[0]["goal"]
+        for peer, runs in contenders.items():
+            if peer != "Kelpkit":
+                yield Row(program, operation, size, own, peer, nanoseconds(runs), runs[0]["goal"])
 
 
 def comparison_table(rows):
     yield "| operation | size | Kelpkit | peer | its time | ratio | goal | met |"
     yield "|---|---|---:|---|---:|---:|---:|---|"
-    for operation, size, own, who, other, goal in rows:
-        ratio = own / other
-        verdict = "" if not goal else "yes" if ratio <= goal else "**no**"
+    for row in rows:
+        verdict = "" if not row.goal else "yes" if row.is_met else "**no**"
         yield (
-            f"| {operation} | {size} | {duration(own)} | {who} | {duration(other)} | {ratio:.3g} |"
-            f" {f'{goal:g}' if goal else ''} | {verdict} |"
+            f"| {row.operation} | {row.size} | {duration(row.own)} | {row.peer} | {duration(row.others)} |"
+            f" {row.ratio:.3g} | {f'{row.goal:g}' if row.goal else ''} | {verdict} |"
         )
 
 
 def growth_tables(groups):
     """One table for each range of sizes: the time at each, how it grows (1 is linear), and the peak of the heap."""
     growths = {}
-    for (operation, size), contenders in groups.items():
+    for (_, operation, size), contenders in groups.items():
         if "growth" in contenders:
             runs = contenders["growth"]
             growths.setdefault(operation, {})[int(size)] = (nanoseconds(runs), runs[0]["peak"])
@@ -94,20 +119,54 @@ def processor():
     return "unknown processor"
 
 
+FAMILIES = {
+    "TextBench": "text",
+    "LogBench": "log",
+    "FilesBench": "files",
+    "XmlConfigBench": "XML configuration",
+    "ChildExeBench": "child programs",
+    "ColorBench": "colours",
+    "SystemBench": "system",
+    "TimeBench": "dates and times",
+    "ModelUpgradeBench": "model upgrade",
+}
+
+
+def draw_family(axes, name, rows):
+    labels = [f"{row.operation}, {row.size}" for row in rows]
+    places = range(len(rows))
+    axes.barh(places, [row.ratio for row in rows], height=0.7, color=[MET if row.is_met else MISSED for row in rows])
+    axes.vlines([row.goal for row in rows], [y - 0.45 for y in places], [y + 0.45 for y in places], color=GOAL, linewidth=2)
+    axes.axvline(1, color="#222222", linewidth=1.5)
+    axes.set_yticks(places, labels, fontsize=8)
+    axes.set_title(name, loc="left", fontsize=10, fontweight="bold")
+    axes.set_ylim(len(rows) - 0.4, -0.6)
+    axes.spines[["top", "right"]].set_visible(False)
+    axes.grid(axis="x", color="#dddddd", linewidth=0.6)
+    axes.set_axisbelow(True)
+
+
 def draw(rows, path):
-    """One bar for each comparison with a goal, as long as the ratio, with a mark at the goal."""
-    rows = [row for row in rows if row[5]][::-1]
-    labels = [f"{operation}, {size} (beside {who})" for operation, size, _, who, _, _ in rows]
-    ratios = [own / other for _, _, own, _, other, _ in rows]
-    figure, axes = pyplot.subplots(figsize=(11, 0.24 * len(rows) + 1), layout="constrained")
-    axes.barh(labels, ratios, color="#2a7f9e")
-    axes.scatter([row[5] for row in rows], labels, marker="|", s=90, color="#c0392b", zorder=3, label="goal")
-    axes.axvline(1, color="#555555", linewidth=0.8)
-    axes.set_xscale("log")
-    axes.set_xlabel("Kelpkit's time as part of the other's (logarithmic; left of 1: Kelpkit is faster)")
-    axes.tick_params(axis="y", labelsize=7)
-    axes.margins(y=0.01)
-    axes.legend(loc="lower left")
+    """A part for each family: bars as long as the ratio, with a mark at the goal."""
+    families = {name: [row for row in rows if row.program == program and row.goal] for program, name in FAMILIES.items()}
+    families = {name: rows for name, rows in families.items() if rows}
+    heights = [len(rows) + 1.5 for rows in families.values()]
+    height = 0.17 * sum(heights) + 1
+    figure, parts = pyplot.subplots(
+        len(families), 1, sharex=True, squeeze=False, figsize=(8, height), layout="constrained", height_ratios=heights
+    )
+    figure.get_layout_engine().set(rect=(0, 0, 1, 1 - 0.35 / height))  # the legend is above
+    for axes, (name, family_rows) in zip(parts[:, 0], families.items()):
+        draw_family(axes, name, family_rows)
+    parts[-1, 0].set_xscale("log")
+    parts[-1, 0].xaxis.set_major_formatter("{x:g}")
+    parts[-1, 0].set_xlabel("Kelpkit's time as part of the peer's; left of 1, Kelpkit is faster", fontsize=9)
+    figure.legend(
+        handles=[Patch(color=MET, label="within the goal"), Patch(color=MISSED, label="not within"),
+                 Line2D([], [], color=GOAL, linewidth=2, label="goal"),
+                 Line2D([], [], color="#222222", linewidth=1.5, label="as fast as the peer")],
+        loc="upper center", ncols=4, fontsize=9, frameon=False,
+    )
     figure.savefig(path, metadata={"Date": None})
 
 
@@ -115,7 +174,7 @@ def main():
     folder = pathlib.Path(sys.argv[1])
     groups, context = read_runs(folder)
     rows = list(comparisons(groups))
-    goals = [own / other <= goal for _, _, own, _, other, goal in rows if goal]
+    goals = [row.is_met for row in rows if row.goal]
     rounds = max(len(runs) for contenders in groups.values() for runs in contenders.values())
     lines = [
         "# Benchmarks",

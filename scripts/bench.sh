@@ -30,8 +30,9 @@ if ! xvfb-run -a bash -euo pipefail -c '
     trap "\"$root/cmake/wine.sh\" stop" EXIT
     for program in "$@"; do
         echo "bench: $program"
-        "$root/cmake/wine.sh" run "$root/build/mingw-release/bin/$program.exe" "Z:$results/$program.json" "$rounds" \
-            "--benchmark_min_time=$seconds"
+        "$root/cmake/wine.sh" run "$root/build/mingw-release/bin/$program.exe" --benchmark_min_time="$seconds" \
+            --benchmark_repetitions="$rounds" --benchmark_enable_random_interleaving=true \
+            --benchmark_out="Z:$results/$program.json" >"$results/$program.txt"
     done' bench "$@"; then
     echo "bench: FAILED, see above"
     exit 1

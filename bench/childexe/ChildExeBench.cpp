@@ -29,6 +29,7 @@ BOOL CALLBACK FindWindowOf(HWND window, LPARAM started)
     return FALSE;
 }
 
+// The same steps, with the half second that is waited by contract.
 HWND HostByHand(HWND host, std::wstring commandLine, const RECT& area)
 {
     STARTUPINFOW startup = {};
@@ -39,11 +40,16 @@ HWND HostByHand(HWND host, std::wstring commandLine, const RECT& area)
     ::CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
                      &started.process);
     ::WaitForInputIdle(started.process.hProcess, INFINITE);
-    while (started.window == nullptr)
-        ::EnumWindows(FindWindowOf, reinterpret_cast<LPARAM>(&started));
+    ::Sleep(500);
+    while (::EnumWindows(FindWindowOf, reinterpret_cast<LPARAM>(&started)) != FALSE)
+        ::Sleep(100);
     ::SetParent(started.window, host);
+    ::InvalidateRect(started.window, nullptr, TRUE);
     ::SetWindowLongW(started.window, GWL_STYLE, WS_CHILD | WS_VISIBLE);
     ::MoveWindow(started.window, area.left, area.top, area.right - area.left, area.bottom - area.top, TRUE);
+    ::ShowWindow(started.window, SW_SHOW);
+    ::SetWindowPos(host, started.window, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE);
+    ::PostMessageW(started.window, WM_PAINT, 0, 0);
     ::CloseHandle(started.process.hThread);
     ::CloseHandle(started.process.hProcess);
     return started.window;

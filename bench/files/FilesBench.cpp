@@ -149,6 +149,10 @@ void Register()
             return [&source] { return KELPKIT::CFileFolderManageTool().CopyFolder(source, Folder() / L"copy"); };
         },
         5);
+    Growth("copy of a text, units", [](std::size_t size) {
+        const std::wstring& text = Keep(std::wstring(size, L'x'));
+        return [&text] { return std::wstring(text); };
+    });
     Growth("folder of a path, units", [](std::size_t size) {
         const std::wstring& path = Keep(std::wstring(size, L'x') + L"\\y");
         return [&path] { return KELPKIT::GetFileDir(path); };

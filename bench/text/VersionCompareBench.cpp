@@ -20,7 +20,7 @@ void RegisterVersionCompare()
     Comparison("version comparison", R"("2.10.3" with "2.10.12")")
         .Kelpkit([&] { return KELPKIT::ALargeB(older, newer); })
         .Peer(
-            "StrCmpLogicalW", [&] { return ::StrCmpLogicalW(older.c_str(), newer.c_str()); }, 0.2);
+            "StrCmpLogicalW", [&] { return ::StrCmpLogicalW(older.c_str(), newer.c_str()); }, 0.15);
 
     Growth("version comparison, units", [](std::size_t size) {
         std::wstring version;
