@@ -25,6 +25,8 @@ else()
     -Wnon-virtual-dtor -Wold-style-cast -Woverloaded-virtual -Wshadow -Wsign-conversion
     -Wundef -Wunused -g
   )
+  # As in mingw-w64-x86_64.cmake, for those who bring a toolchain of their own.
+  target_compile_options(KelpkitCompileOptions INTERFACE -fno-ipa-ra)
   # Catches misuse of the standard library at the place where it happens.
   target_compile_definitions(KelpkitCompileOptions INTERFACE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
 endif()

@@ -11,6 +11,11 @@ set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 
+# For Windows, GCC lets a caller rely on the registers that its own copy of an inline function leaves alone, though the
+# linker may keep another file's copy, which uses them.
+set(CMAKE_C_FLAGS_INIT -fno-ipa-ra)
+set(CMAKE_CXX_FLAGS_INIT -fno-ipa-ra)
+
 # Libraries for Windows only: mingw's, those that scripts/setup.sh installs into build/deps since no Debian package
 # offers them for mingw, and those in the prefixes that a project names.
 cmake_path(SET KELPKIT_DEPS NORMALIZE "${CMAKE_CURRENT_LIST_DIR}/../build/deps")

@@ -158,7 +158,7 @@ unpack_source() {
 }
 
 # Builds the CMake project in $source with the toolchain and installs it into $deps. The stamp holds the recipe, so that
-# a changed patch or option builds anew.
+# a changed toolchain, patch or option builds anew.
 build_dependency() {
     local name=$1 source=$2
     shift 2
@@ -171,12 +171,16 @@ build_dependency() {
     step "install-$name" cmake --install "$deps/src/build-$name" --strip
 }
 
+toolchain_sum() {
+    cksum <"$root/cmake/$toolchain.cmake"
+}
+
 build_log4cplus() {
     local patch=$root/vcpkg-overlay/log4cplus/kelpkit.patch stamp=$deps/log4cplus.stamp recipe
     # The thread pool stays off: with it, processes hang when they exit or unload the DLL.
     set -- -DUNICODE=ON -DLOG4CPLUS_ENABLE_THREAD_POOL=OFF -DLOG4CPLUS_BUILD_TESTING=OFF -DWITH_UNIT_TESTS=OFF \
         -DLOG4CPLUS_BUILD_LOGGINGSERVER=OFF
-    recipe="$(cksum <"$patch") $*"
+    recipe="$(toolchain_sum) $(cksum <"$patch") $*"
     if [ "$(cat "$stamp" 2>/dev/null || true)" = "$recipe" ]; then return; fi
     unpack_source log4cplus
     step patch-log4cplus patch -d "$deps/src/log4cplus" -p1 -i "$patch"
@@ -190,7 +194,7 @@ build_pugixml() {
     local stamp=$deps/pugixml.stamp recipe
     # Less memory for each node, which is most of the time that a large file takes.
     set -- -DPUGIXML_COMPACT=ON
-    recipe=$*
+    recipe="$(toolchain_sum) $*"
     if [ "$(cat "$stamp" 2>/dev/null || true)" = "$recipe" ]; then return; fi
     unpack_source pugixml
     build_dependency pugixml "$deps/src/pugixml" "$@"
@@ -202,7 +206,7 @@ build_pugixml() {
 build_benchmark() {
     local stamp=$deps/benchmark.stamp recipe
     set -- -DBENCHMARK_ENABLE_TESTING=OFF -DBENCHMARK_INSTALL_DOCS=OFF
-    recipe=$*
+    recipe="$(toolchain_sum) $*"
     if [ "$(cat "$stamp" 2>/dev/null || true)" = "$recipe" ]; then return; fi
     unpack_source benchmark
     build_dependency benchmark "$deps/src/benchmark" "$@"
