@@ -11,6 +11,7 @@
 
 #include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace bench
@@ -53,6 +54,13 @@ std::wstring ReplacedByLoop(std::wstring text, const std::wstring& replacement)
     return text;
 }
 
+// The text that is given and a longer one that comes back, each in memory of its own: what no way to replace can spare.
+void AgainstCopies(const std::string& size, const std::wstring& text)
+{
+    const std::wstring& result = Keep(Replaced(text, L"wxyz"));
+    Comparison("replace", size).Peer("copies of both texts", [&text, &result] { return std::pair(text, result); });
+}
+
 void Replace(const std::string& size, const std::wstring& data, const wchar_t* replacement, double goal)
 {
     const std::wstring& text = Keep(data);
@@ -69,6 +77,8 @@ void RegisterReplace()
     Replace("1 Mi units, 210,000 hits, shrinking", many, L"x", 0.20);
     Replace("1 Mi units, 210,000 hits, equal", many, L"xy", 0.20);
     Replace("1 Mi units, 10 hits, growing", WithHits(kMi, 10), L"wxyz", 0.50);
+    AgainstCopies("1 Mi units, 210,000 hits, growing", Keep(many));
+    AgainstCopies("1 Mi units, 10 hits, growing", Keep(WithHits(kMi, 10)));
 
     const std::wstring& text = Keep(WithHits(40, 2));
     Comparison("replace", "40 units, 2 hits, growing")
@@ -76,6 +86,7 @@ void RegisterReplace()
         .Peer(
             "find and replace in a loop", [&text] { return ReplacedByLoop(text, L"wxyz"); }, 0.95)
         .Peer(kBoostReplace, [&text] { return ReplacedByBoost(text, L"wxyz"); });
+    AgainstCopies("40 units, 2 hits, growing", text);
 }
 
 using Pieces = std::vector<std::wstring>;
@@ -138,7 +149,8 @@ void RegisterTrim()
                 boost::trim_if(copy, [](wchar_t c) { return c == L' '; });
                 return copy;
             },
-            0.9);
+            0.9)
+        .Peer("a copy", [&text] { return std::wstring(text); });
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 // Text sixteen units at a time. SSE2 belongs to every 64-bit x86 processor.
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <emmintrin.h>
@@ -64,26 +65,48 @@ inline unsigned TrailingZeros(std::uint64_t mask)
 #endif
 }
 
-inline bool HasZero(const char* from)
+inline std::size_t HorizontalSum(__m128i twoSums)
 {
-    return _mm_movemask_epi8(_mm_cmpeq_epi8(Load(from), _mm_setzero_si128())) != 0;
+    alignas(16) std::uint64_t sums[2];
+    _mm_store_si128(reinterpret_cast<__m128i*>(sums), twoSums);
+    return static_cast<std::size_t>(sums[0] + sums[1]);
 }
 
-inline bool HasZero(const wchar_t* from)
+// The number of bytes of 0x80 and above.
+inline std::size_t CountHigh(const char* text, std::size_t length)
 {
     const __m128i zero = _mm_setzero_si128();
-    const __m128i low = _mm_cmpeq_epi16(Load(from), zero);
-    const __m128i high = _mm_cmpeq_epi16(Load(from + 8), zero);
-    return _mm_movemask_epi8(_mm_or_si128(low, high)) != 0;
+    __m128i sums = zero;
+    std::size_t i = 0;
+    for (; length - i >= 16; i += 16) {
+        const __m128i ones = _mm_sub_epi8(zero, _mm_cmpgt_epi8(zero, Load(text + i)));
+        sums = _mm_add_epi64(sums, _mm_sad_epu8(ones, zero));
+    }
+    std::size_t count = HorizontalSum(sums);
+    for (; i < length; ++i)
+        count += static_cast<unsigned char>(text[i]) >> 7;
+    return count;
 }
 
 // The number of units before the first zero, or length.
 template <class Char>
 std::size_t LengthToZero(const Char* text, std::size_t length)
 {
+    constexpr std::size_t kStep = 16 / sizeof(Char);
+    const auto zeros = [text](std::size_t i) {
+        const __m128i units = Load(text + i);
+        return sizeof(Char) == 1 ? _mm_cmpeq_epi8(units, _mm_setzero_si128())
+                                 : _mm_cmpeq_epi16(units, _mm_setzero_si128());
+    };
+    const auto fourZeros = [&zeros](std::size_t i) {
+        return _mm_or_si128(_mm_or_si128(zeros(i), zeros(i + kStep)),
+                            _mm_or_si128(zeros(i + 2 * kStep), zeros(i + 3 * kStep)));
+    };
     std::size_t i = 0;
-    while (length - i >= 16 && !HasZero(text + i))
-        i += 16;
+    while (length - i >= 4 * kStep && _mm_movemask_epi8(fourZeros(i)) == 0)
+        i += 4 * kStep;
+    while (length - i >= kStep && _mm_movemask_epi8(zeros(i)) == 0)
+        i += kStep;
     while (i < length && text[i] != 0)
         ++i;
     return i;
@@ -153,8 +176,10 @@ void ForEachHit(std::basic_string_view<Char> text, std::basic_string_view<Char> 
             use(hit);
         return;
     }
+    // The last block overlaps the one before it, whose hits lie before next.
+    const std::size_t lastBlock = text.size() - last - 16;
     std::size_t next = 0;
-    const auto lookAt = [&](std::size_t block) {
+    for (std::size_t block = 0;; block = std::min(block + 16, lastBlock)) {
         const Char* const at = text.data() + block;
         unsigned fits = EqualMask(at, pattern.front()) & EqualMask(at + last, pattern.back());
         for (; fits != 0; fits &= fits - 1) {
@@ -164,12 +189,9 @@ void ForEachHit(std::basic_string_view<Char> text, std::basic_string_view<Char> 
             use(hit);
             next = hit + pattern.size();
         }
-    };
-    // The last block overlaps the one before it, whose hits lie before next.
-    const std::size_t lastBlock = text.size() - last - 16;
-    for (std::size_t block = 0; block < lastBlock; block += 16)
-        lookAt(block);
-    lookAt(lastBlock);
+        if (block == lastBlock)
+            return;
+    }
 }
 
 } // namespace KELPKIT::blocks

@@ -64,13 +64,24 @@ public:
             piece.copy(to, piece.size());
     }
 
+    // Moves all that was appended into `text`, whose room is kept where it is enough.
+    void MoveInto(std::basic_string<Char>& text)
+    {
+        if (m_text.empty()) {
+            text.assign(m_buffer, m_used);
+            return;
+        }
+        Flush();
+        text = std::move(m_text);
+    }
+
+private:
     void Flush()
     {
         m_text.append(m_buffer, m_used);
         m_used = 0;
     }
 
-private:
     std::basic_string<Char>& m_text;
     std::size_t m_used = 0;
     Char m_buffer[kRoom + kFew];
@@ -107,8 +118,7 @@ void ReplaceIntoCopy(std::basic_string<Char>& text, View<Char> pattern, View<Cha
     if (read == 0)
         return;
     appender.Append(source.substr(read), end);
-    appender.Flush();
-    text = std::move(result);
+    appender.MoveInto(text);
 }
 
 template <class Char>

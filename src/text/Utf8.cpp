@@ -10,13 +10,6 @@ namespace KELPKIT::utf8
 namespace
 {
 
-std::size_t HorizontalSum(__m128i twoSums)
-{
-    alignas(16) std::uint64_t sums[2];
-    _mm_store_si128(reinterpret_cast<__m128i*>(sums), twoSums);
-    return static_cast<std::size_t>(sums[0] + sums[1]);
-}
-
 // By how much each of eight units makes less than three bytes, negated: one below 0x800, one more below 0x80. Each half
 // of a surrogate pair makes two.
 __m128i BytesLess(__m128i units)
@@ -158,7 +151,7 @@ std::size_t DecodedLength(const char* text, std::size_t length)
             _mm_add_epi8(UnitsNegated(blocks::Load(text + i)), UnitsNegated(blocks::Load(text + i + 16)));
         sums = _mm_add_epi64(sums, _mm_sad_epu8(_mm_sub_epi8(zero, less), zero));
     }
-    std::size_t units = HorizontalSum(sums);
+    std::size_t units = blocks::HorizontalSum(sums);
     for (; i < length; ++i) {
         const auto byte = static_cast<unsigned char>(text[i]);
         units += (IsTrail(byte) ? 0U : 1U) + (byte >= 0xF0 ? 1U : 0U);
@@ -180,7 +173,7 @@ std::size_t EncodedLength(const wchar_t* text, std::size_t length)
         const __m128i less = _mm_add_epi16(BytesLess(blocks::Load(text + i)), BytesLess(blocks::Load(text + i + 8)));
         sums = _mm_add_epi64(sums, _mm_sad_epu8(_mm_add_epi16(_mm_set1_epi16(6), less), zero));
     }
-    std::size_t bytes = HorizontalSum(sums);
+    std::size_t bytes = blocks::HorizontalSum(sums);
     for (; i < length; ++i)
         bytes += 3U - (text[i] < 0x80 ? 1U : 0U) - (text[i] < 0x800 ? 1U : 0U) - (IsSurrogate(text[i]) ? 1U : 0U);
     return bytes;
