@@ -39,6 +39,7 @@ std::string Narrow(UINT codePage, const std::wstring& text)
 
 constexpr const char* kSystem = "two system calls";
 constexpr const char* kNowide = "Boost.Nowide";
+constexpr const char* kCopy = "a copy of the result"; // what is left when converting costs nothing
 
 void FromUtf8(const Script& script, const std::string& size, const std::string& data, double goal)
 {
@@ -47,7 +48,8 @@ void FromUtf8(const Script& script, const std::string& size, const std::string& 
         .Kelpkit([&text] { return KELPKIT::UTF8ToUnicode(text); })
         .Peer(
             kSystem, [&text] { return Widen(CP_UTF8, text); }, goal)
-        .Peer(kNowide, [&text] { return boost::nowide::widen(text); });
+        .Peer(kNowide, [&text] { return boost::nowide::widen(text); })
+        .Peer(kCopy, [&result = Keep(boost::nowide::widen(text))] { return std::wstring(result); });
 }
 
 void ToUtf8(const Script& script, const std::string& size, const std::wstring& data, double goal)
@@ -57,7 +59,8 @@ void ToUtf8(const Script& script, const std::string& size, const std::wstring& d
         .Kelpkit([&text] { return KELPKIT::UnicodeToUTF8(text); })
         .Peer(
             kSystem, [&text] { return Narrow(CP_UTF8, text); }, goal)
-        .Peer(kNowide, [&text] { return boost::nowide::narrow(text); });
+        .Peer(kNowide, [&text] { return boost::nowide::narrow(text); })
+        .Peer(kCopy, [&result = Keep(boost::nowide::narrow(text))] { return std::string(result); });
 }
 
 // One system call into a buffer of sufficient size, and a copy: no conversion that is the system's can do with less.

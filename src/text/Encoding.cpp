@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <climits>
 #include <iterator>
-#include <memory>
 
 namespace KELPKIT
 {
@@ -31,6 +30,17 @@ void RefuseUncountable(Text& result)
         result = Text();
 }
 
+// The number of units that most texts make; `length` are the most that any can. In a double-byte code page, two bytes
+// beyond ASCII make one.
+std::size_t LikelyUnits(UINT codePage, const char* text, std::size_t length)
+{
+    CPINFO information = {};
+    ::GetCPInfo(codePage, &information);
+    if (information.MaxCharSize > 2)
+        return utf8::DecodedLength(text, length);
+    return information.MaxCharSize == 2 ? length - blocks::CountHigh(text, length) / 2 : length;
+}
+
 // The platform's conversion in one call. The terminator is converted with the text, as it is when the length is
 // given as -1: it matters to a double-byte character cut short at the end.
 std::wstring BySystem(UINT codePage, const std::string& text)
@@ -38,16 +48,23 @@ std::wstring BySystem(UINT codePage, const std::string& text)
     const std::size_t length = blocks::LengthToZero(text.data(), text.size());
     if (length >= INT_MAX)
         return {};
-    const int size = static_cast<int>(length) + 1;
-    wchar_t stack[2 * kPieceUnits + 1];
-    std::unique_ptr<wchar_t[]> heap;
-    wchar_t* units = stack;
-    if (length >= std::size(stack)) {
-        heap.reset(new wchar_t[length + 1]);
-        units = heap.get();
+    const auto convert = [codePage, &text, length](wchar_t* units, std::size_t room) {
+        const int count = ::MultiByteToWideChar(codePage, 0, text.c_str(), static_cast<int>(length) + 1, units,
+                                                static_cast<int>(room) + 1);
+        return blocks::LengthToZero(units, static_cast<std::size_t>(std::max(count, 0)));
+    };
+    if (length <= 2 * kPieceUnits) {
+        wchar_t units[2 * kPieceUnits + 1];
+        return {units, convert(units, 2 * kPieceUnits)};
     }
-    const int count = ::MultiByteToWideChar(codePage, 0, text.c_str(), size, units, size);
-    return {units, blocks::LengthToZero(units, static_cast<std::size_t>(std::max(count, 0)))};
+    std::wstring result(LikelyUnits(codePage, text.data(), length), L'\0');
+    std::size_t count = convert(result.data(), result.size());
+    if (count == 0) {
+        result.resize(length);
+        count = convert(result.data(), length);
+    }
+    result.resize(count);
+    return result;
 }
 
 // The same piece by piece, since no unit depends on another, save the halves of a surrogate pair.
@@ -66,9 +83,9 @@ std::string BySystem(UINT codePage, const std::wstring& text)
         if (result.empty()) {
             if (in == end)
                 return {piece, static_cast<std::size_t>(count)};
-            // The rest is taken to be like the first piece.
+            // The rest is taken to be like the first piece, and an eighth longer at most.
             const std::size_t pieces = 2 + static_cast<std::size_t>(end - in) / size;
-            result.reserve(pieces * static_cast<std::size_t>(count));
+            result.reserve(pieces * static_cast<std::size_t>(count) / 8 * 9);
         }
         result.append(piece, static_cast<std::size_t>(count));
     }

@@ -244,6 +244,19 @@ TEST(Encoding, BytePairCutAtTheEndIsConvertedAsTheSystemConvertsIt)
     }
 }
 
+// A high byte is a character by itself in one code page, half of one in another, and both or neither in some.
+TEST(Encoding, LongRunsOfEveryHighByteAreConvertedAsTheSystemConvertsThem)
+{
+    for (int high = 0x80; high <= 0xFF; ++high) {
+        for (const std::size_t length : {1000U, 2048U, 2049U, 5001U}) {
+            std::string text(length, static_cast<char>(high));
+            ExpectSystemResults(text);
+            text[length / 2] = 'k';
+            ExpectSystemResults(text);
+        }
+    }
+}
+
 TEST(Encoding, OneForeignCharacterAtEveryPlaceOfEveryLengthUpToABlockAndMore)
 {
     const std::wstring foreign[] = {L"k",      L"\x80",         L"é",     L"中", L"\x8000", L"\xFF41",
