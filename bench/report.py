@@ -32,7 +32,7 @@ def read_runs(folder):
     for path in sorted(folder.glob("*.json")):
         document = json.loads(path.read_text(encoding="utf-8"))
         context = context or document["context"]
-        for run in document["benchmarks"]:
+        for run in sorted(document["benchmarks"], key=lambda run: run["family_index"]):  # as they are registered
             if run["run_type"] == "iteration":
                 operation, size, who = run["run_name"].rpartition("/")[0].split("|")
                 groups.setdefault((path.stem, operation, size), {}).setdefault(who, []).append(run)
@@ -158,8 +158,12 @@ def draw(rows, path):
     figure.get_layout_engine().set(rect=(0, 0, 1, 1 - 0.35 / height))  # the legend is above
     for axes, (name, family_rows) in zip(parts[:, 0], families.items()):
         draw_family(axes, name, family_rows)
+    values = [value for rows in families.values() for row in rows for value in (row.ratio, row.goal)]
     parts[-1, 0].set_xscale("log")
+    parts[-1, 0].set_xlim(min(values) / 1.5, max(values) * 1.2)
+    parts[-1, 0].set_xticks([0.02, 0.05, 0.1, 0.2, 0.5, 1, 2])
     parts[-1, 0].xaxis.set_major_formatter("{x:g}")
+    parts[-1, 0].xaxis.set_minor_formatter("")
     parts[-1, 0].set_xlabel("Kelpkit's time as part of the peer's; left of 1, Kelpkit is faster", fontsize=9)
     figure.legend(
         handles=[Patch(color=MET, label="within the goal"), Patch(color=MISSED, label="not within"),
