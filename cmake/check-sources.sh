@@ -34,9 +34,13 @@ tidy)
     shift 3
     arguments=()
     for argument in "$@"; do arguments+=("--extra-arg=$argument"); done
+    commands=$(mktemp -d)
+    trap 'rm -r "$commands"' EXIT
+    # An option that only GCC has.
+    sed 's/ -fno-ipa-ra\b//g' "$folder/compile_commands.json" >"$commands/compile_commands.json"
     grep -o '"file": "[^"]*"' "$folder/compile_commands.json" | cut -d'"' -f4 | grep "$sources" |
         grep -v "^$root/build/" | grep -v '\.\(rc\|s\)$' | sort -u |
-        xargs -P "$(nproc)" -n 1 clang-tidy --quiet -p "$folder" "${arguments[@]}"
+        xargs -P "$(nproc)" -n 1 clang-tidy --quiet -p "$commands" "${arguments[@]}"
     ;;
 gnu-names)
     # The branches for Visual Studio of our own sources, without what they include and with their macros as they stand.

@@ -192,7 +192,7 @@ std::wstring FromAnsiBySystem(const std::string& text)
 {
     std::wstring units(text.size() + 1, L'\0');
     ::MultiByteToWideChar(CP_ACP, 0, text.c_str(), -1, units.data(), static_cast<int>(units.size()));
-    return units.c_str();
+    return units.substr(0, units.find(L'\0'));
 }
 
 std::string ToAnsiBySystem(const std::wstring& text)
