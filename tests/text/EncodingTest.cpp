@@ -395,6 +395,15 @@ TEST(Encoding, LongTextsAreConvertedWhole)
     EXPECT_TRUE(AnsiToUnicode(ansi) == SystemWide(CP_ACP, ansi));
 }
 
+TEST(Encoding, LongTextsAreConvertedWholeWhereTheCodePageIsNotKnown)
+{
+    std::string text;
+    while (text.size() < 5000)
+        text += "\xD6\xD0 plate \x80";
+    const test::FailingCall<decltype(::GetCPInfo)> failing("GetCPInfo", FALSE);
+    EXPECT_EQ(AnsiToUnicode(text), SystemWide(CP_ACP, text));
+}
+
 TEST(Encoding, TextThatTheSystemRefusesGivesAnEmptyResult)
 {
     for (const std::size_t length : {1U, 5000U}) {
