@@ -33,9 +33,10 @@ Registers Best();
 template <class Way, std::size_t count>
 const Way& Fastest(const Way (&ways)[count])
 {
+    const Registers best = Best();
     const Way* fastest = ways;
     for (const Way& way : ways) {
-        if (way.needed <= Best())
+        if (way.needed <= best)
             fastest = &way;
     }
     return *fastest;
