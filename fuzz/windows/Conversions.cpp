@@ -167,6 +167,12 @@ BOOL IsValidCodePage(UINT codePage)
     return codePage == CP_UTF8 || codePage == kLatin1 || codePage == kDoubleByte;
 }
 
+BOOL GetCPInfo(UINT codePage, CPINFO* information)
+{
+    information->MaxCharSize = codePage == CP_UTF8 ? 4 : codePage == kLatin1 ? 1 : 2;
+    return TRUE;
+}
+
 int MultiByteToWideChar(UINT codePage, DWORD flags, const char* bytes, int size, wchar_t* units, int room)
 {
     if (codePage != CP_ACP && !IsValidCodePage(codePage))

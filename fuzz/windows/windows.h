@@ -4,6 +4,10 @@
 
 constexpr int MAX_PATH = 260;
 
+struct CPINFO {
+    UINT MaxCharSize;
+};
+
 struct SYSTEMTIME {
     WORD wYear;
     WORD wMonth;
@@ -32,3 +36,4 @@ int MultiByteToWideChar(UINT codePage, DWORD flags, const char* bytes, int size,
 int WideCharToMultiByte(UINT codePage, DWORD flags, const wchar_t* units, int size, char* bytes, int room,
                         const char* defaultCharacter, BOOL* replaced);
 BOOL IsValidCodePage(UINT codePage);
+BOOL GetCPInfo(UINT codePage, CPINFO* information);
